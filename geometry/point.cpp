@@ -1,0 +1,141 @@
+// Points with lazily derived grid coordinates.
+#include "qv5/geopoint.h"
+
+#include "qv5/geosurvey.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr geo_nee kNullGrid{GEO_NULL, GEO_NULL, GEO_NULL};
+constexpr geo_llh kNullWgs84{GEO_NULL, GEO_NULL, GEO_NULL};
+constexpr geo_hvd kNullObs{GEO_NULL, GEO_NULL, GEO_NULL};
+
+} // namespace
+
+CGeoPoint::CGeoPoint()
+    : m_grid(kNullGrid), m_wgs84(kNullWgs84), m_obs(kNullObs), m_flags(0), m_station(nullptr),
+      m_hi(GEO_NULL), m_transformation(nullptr) {}
+
+CGeoPoint::CGeoPoint(const geo_nee& grid) : CGeoPoint() {
+    SetGrid(grid);
+}
+
+CGeoPoint::CGeoPoint(const CGeoPoint& other) = default;
+
+CGeoPoint& CGeoPoint::operator=(const CGeoPoint& other) = default;
+
+CGeoPoint::~CGeoPoint() = default;
+
+void CGeoPoint::SetGrid(const geo_nee& grid) {
+    m_grid = grid;
+    m_flags = PT_GRID;
+}
+
+void CGeoPoint::SetGrid(double north, double east, double elevation) {
+    SetGrid(geo_nee{north, east, elevation});
+}
+
+void CGeoPoint::SetHVD(const geo_hvd& obs, CGeoPoint& station) {
+    m_obs = obs;
+    m_station = &station;
+    m_flags = PT_OBS;
+}
+
+void CGeoPoint::SetHVD(double hz, double vz, double dist, CGeoPoint& station) {
+    SetHVD(geo_hvd{hz, vz, dist}, station);
+}
+
+void CGeoPoint::SetStation(const CGeoPoint& point, double hi) {
+    *this = point;
+    m_hi = hi;
+    m_flags |= PT_STATION;
+}
+
+double CGeoPoint::HI() const {
+    return m_hi;
+}
+
+std::uint64_t CGeoPoint::Flags() const {
+    return m_flags;
+}
+
+double CGeoPoint::DeriveGrid(double geo_nee::*coordinate) {
+    if ((m_flags & PT_GRID) != 0) {
+        return m_grid.*coordinate;
+    }
+    // From here on the point counts as having a grid value: a failed derivation is cached as
+    // GEO_NULL and is not retried until a Set clears the flag.
+    m_flags |= PT_GRID;
+    m_grid = kNullGrid;
+    if ((m_flags & PT_OBS) == 0 || m_station == nullptr) {
+        return GEO_NULL;
+    }
+    // Plan position needs a station with an instrument height; the elevation is reduced even
+    // from a plain point, with whatever instrument height it holds.
+    if (coordinate != &geo_nee::elev && (m_station->m_flags & PT_STATION) == 0) {
+        return GEO_NULL;
+    }
+    geo_nee station_grid;
+    m_station->GetGrid(station_grid);
+    geo_reduce_obs(m_obs, station_grid, m_station->m_hi, m_grid);
+    return m_grid.*coordinate;
+}
+
+double CGeoPoint::Northing() {
+    return DeriveGrid(&geo_nee::north);
+}
+
+double CGeoPoint::Easting() {
+    return DeriveGrid(&geo_nee::east);
+}
+
+double CGeoPoint::Elevation() {
+    return DeriveGrid(&geo_nee::elev);
+}
+
+geo_nee& CGeoPoint::GetGrid(geo_nee& grid) {
+    if ((m_flags & PT_GRID) != 0) {
+        grid = m_grid;
+        return grid;
+    }
+    const double north = Northing();
+    const double east = Easting();
+    const double elevation = Elevation();
+    grid = geo_nee{north, east, elevation};
+    return grid;
+}
+
+geo_nee& CGeoPoint::Grid() {
+    geo_nee grid;
+    GetGrid(grid);
+    m_grid = grid;
+    return m_grid;
+}
+
+int CGeoPoint::Ok2DGrid() {
+    return Northing() != GEO_NULL && Easting() != GEO_NULL ? 1 : 0;
+}
+
+int CGeoPoint::Ok3DGrid() {
+    return Ok2DGrid() == 1 && Elevation() != GEO_NULL ? 1 : 0;
+}
+
+int CGeoPoint::Is2DGridEqual(CGeoPoint& other, double tolerance) {
+    if (Ok2DGrid() == 0 || other.Ok2DGrid() == 0) {
+        return 0;
+    }
+    const double dn = Northing() - other.Northing();
+    const double de = Easting() - other.Easting();
+    return std::sqrt(dn * dn + de * de) < tolerance ? 1 : 0;
+}
+
+int CGeoPoint::Is3DGridEqual(CGeoPoint& other, double tolerance) {
+    if (Ok3DGrid() == 0 || other.Ok3DGrid() == 0) {
+        return 0;
+    }
+    const double dn = Northing() - other.Northing();
+    const double de = Easting() - other.Easting();
+    const double dz = Elevation() - other.Elevation();
+    return std::sqrt(dn * dn + de * de + dz * dz) < tolerance ? 1 : 0;
+}

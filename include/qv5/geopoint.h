@@ -1,0 +1,141 @@
+/// @file geopoint.h
+/// Points with lazily derived coordinates, and point sets with extents.
+#ifndef QV5_GEOPOINT_H
+#define QV5_GEOPOINT_H
+
+#include "qv5/export.h"
+#include "qv5/geoarray.h"
+#include "qv5/geodef.h"
+
+#include <cstdint>
+
+class CGeoTransformation;
+
+/// A point known by its grid coordinates, or by an observation from another point that serves
+/// as instrument station; the missing representation is derived on first request and cached.
+///
+/// Reading may therefore update the point. A derivation that fails is cached as `GEO_NULL` and
+/// is not retried until a Set operation clears the cache. The station point is referred to, not
+/// owned, and must outlive every request made of this point.
+///
+/// Grid derivation of an observed point fills north, east and elevation together, whichever is
+/// asked first. North and east need a station that was given an instrument height (SetStation);
+/// the elevation does not, so the first coordinate asked of a point observed from a plain point
+/// decides what is cached: north or east first caches all three as `GEO_NULL`, the elevation
+/// first caches the reduction (with the station's instrument height as it stands).
+class QV5_API CGeoPoint {
+public:
+    /// Bits of the cache state.
+    enum : std::uint64_t {
+        PT_GRID = 1,    ///< the grid value is current (given or derived; may be GEO_NULL)
+        PT_WGS84 = 8,   ///< the WGS84 value is current (given or derived)
+        PT_OBS = 16,    ///< the point is defined by an observation from its station
+        PT_STATION = 32 ///< the point is an instrument station: HI() is valid
+    };
+
+    /// A point that knows nothing yet.
+    CGeoPoint();
+    /// A point with the given grid coordinates.
+    CGeoPoint(const geo_nee& grid);
+    /// Copies every field; the station link is shared, not copied.
+    CGeoPoint(const CGeoPoint& other);
+    CGeoPoint& operator=(const CGeoPoint& other);
+    virtual ~CGeoPoint();
+
+    /// Sets the grid coordinates. Every other cached value is forgotten and the point stops
+    /// being an instrument station.
+    void SetGrid(const geo_nee& grid);
+    void SetGrid(double north, double east, double elevation);
+    /// Defines the point by an observation from a station point (referred to, not copied).
+    void SetHVD(const geo_hvd& obs, CGeoPoint& station);
+    void SetHVD(double hz, double vz, double dist, CGeoPoint& station);
+    /// Makes this point a copy of `point` that is an instrument station with height `hi`.
+    void SetStation(const CGeoPoint& point, double hi);
+
+    /// Instrument height above the point when it serves as a station; `GEO_NULL` by default.
+    double HI() const;
+
+    /// Grid northing, derived if needed; `GEO_NULL` when it cannot be derived.
+    double Northing();
+    /// Grid easting, derived if needed; `GEO_NULL` when it cannot be derived.
+    double Easting();
+    /// Elevation, derived if needed; `GEO_NULL` when it cannot be derived.
+    double Elevation();
+    /// Fills `grid` with the grid value (deriving it if needed). @return `grid`
+    geo_nee& GetGrid(geo_nee& grid);
+    /// Brings the point's own grid value up to date and returns it.
+    geo_nee& Grid();
+
+    /// 1 when north and east are both set (deriving first), else 0.
+    int Ok2DGrid();
+    /// 1 when north, east and elevation are all set (deriving first), else 0.
+    int Ok3DGrid();
+    /// 1 when both points have plan coordinates and lie strictly closer than `tolerance` in plan.
+    int Is2DGridEqual(CGeoPoint& other, double tolerance);
+    /// 1 when both points have 3D coordinates and lie strictly closer than `tolerance` in space.
+    int Is3DGridEqual(CGeoPoint& other, double tolerance);
+
+    /// Cache and definition state: a combination of the PT_ bits.
+    std::uint64_t Flags() const;
+
+private:
+    double DeriveGrid(double geo_nee::*coordinate);
+
+    geo_nee m_grid;
+    geo_llh m_wgs84;
+    geo_hvd m_obs;
+    std::uint64_t m_flags;
+    CGeoPoint* m_station;
+    double m_hi;
+    CGeoTransformation* m_transformation;
+};
+
+/// A growable array of points held by value that keeps the bounding extents of what it holds.
+///
+/// The extents start at +1e108 (minimums) and -1e108 (maximums), which mark an empty set.
+/// `MaxElevation` is tracked from the eastings of the points, not their elevations: hosts read
+/// it that way, so it is kept.
+class QV5_API CGeoPointArray : public qv5::GrowableArray<CGeoPoint> {
+public:
+    CGeoPointArray();
+    CGeoPointArray(const CGeoPointArray& other);
+    CGeoPointArray& operator=(const CGeoPointArray& other);
+    ~CGeoPointArray() override;
+
+    /// Widens the extents by the point (deriving its grid) and appends a copy.
+    /// @return the new element's index, or -1 if the array could not grow
+    int Add(CGeoPoint& point);
+    /// Removes `count` points from `index` and rebuilds the extents.
+    void RemoveAt(int index, int count = 1);
+    /// Removes every point and resets the extents.
+    void RemoveAll();
+
+    double MinEasting() const;
+    double MinNorthing() const;
+    double MinElevation() const;
+    double MaxEasting() const;
+    double MaxNorthing() const;
+    double MaxElevation() const;
+
+    /// Sets `result` to the centre of the bounding box of the points that have 3D coordinates
+    /// in elevation and of those with plan coordinates in plan; all `GEO_NULL` when there is no
+    /// point with an elevation. The stored extents are not used. @return `result`
+    CGeoPoint& Centroid(CGeoPoint& result);
+
+protected:
+    /// Rebuilds the six extents from every element in index order.
+    void RecomputeExtents();
+
+private:
+    void ResetExtents();
+    void WidenExtents(CGeoPoint& point);
+
+    double m_minEasting;
+    double m_minNorthing;
+    double m_minElevation;
+    double m_maxEasting;
+    double m_maxNorthing;
+    double m_maxElevation;
+};
+
+#endif // QV5_GEOPOINT_H

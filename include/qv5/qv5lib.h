@@ -1,0 +1,15 @@
+/// @file qv5lib.h
+/// QV5lib: surveying and road-design computations. Including this header gives the whole
+/// programming interface.
+#ifndef QV5_QV5LIB_H
+#define QV5_QV5LIB_H
+
+#include "qv5/export.h"
+#include "qv5/geoarray.h"
+#include "qv5/geodef.h"
+#include "qv5/geoline.h"
+#include "qv5/geopoint.h"
+#include "qv5/geosurvey.h"
+#include "qv5/hostfw.h"
+
+#endif // QV5_QV5LIB_H

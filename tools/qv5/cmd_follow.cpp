@@ -1,0 +1,71 @@
+// `qv5 follow`: the point reached from a start along a bearing, distance and gradient.
+#include "commands.h"
+#include "number_args.h"
+#include "output.h"
+
+#include "qv5/qv5lib.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <iostream>
+#include <memory>
+
+namespace qv5::cli {
+namespace {
+
+constexpr std::array<const char*, 6> kNames = {"north",   "east",     "elevation",
+                                               "bearing", "distance", "gradient"};
+constexpr std::array<const char*, 6> kUnits = {"metres",
+                                               "metres",
+                                               "metres",
+                                               "radians, clockwise from grid north",
+                                               "metres, horizontal",
+                                               "radians, angle of elevation"};
+
+struct FollowOptions {
+    std::array<std::string, 6> text;
+    bool json = false;
+};
+
+int run_follow(const FollowOptions& options) {
+    std::array<double, 6> v{};
+    bool ok = true;
+    for (std::size_t i = 0; i < kNames.size(); ++i) {
+        if (!parse_number(options.text[i], v[i])) {
+            report_error("follow: " + not_a_number(kNames[i], options.text[i]));
+            ok = false;
+        }
+    }
+    if (!ok) {
+        return kExitBadArguments;
+    }
+    const geo_nee start{v[0], v[1], v[2]};
+    geo_nee end{};
+    geo_grid_follow(start, v[3], v[4], v[5], end);
+    if (options.json) {
+        nlohmann::json out = {{"north", json_number(end.north)},
+                              {"east", json_number(end.east)},
+                              {"elevation", json_number(end.elev)}};
+        std::cout << out.dump(2) << '\n';
+        return 0;
+    }
+    std::cout << fmt::format("North      {} m\nEast       {} m\nElevation  {} m\n",
+                             fixed(end.north, 4), fixed(end.east, 4), fixed(end.elev, 4));
+    return 0;
+}
+
+} // namespace
+
+CommandRunner add_follow_command(CLI::App& app) {
+    auto options = std::make_shared<FollowOptions>();
+    CLI::App* cmd = app.add_subcommand(
+        "follow", "The point at a bearing, horizontal distance and gradient from a start");
+    for (std::size_t i = 0; i < kNames.size(); ++i) {
+        cmd->add_option(kNames[i], options->text[i], kUnits[i])->required();
+    }
+    cmd->add_flag("--json", options->json, "Write JSON");
+    return [options] { return run_follow(*options); };
+}
+
+} // namespace qv5::cli

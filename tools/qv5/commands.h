@@ -1,0 +1,24 @@
+// The subcommands of the qv5 program. Each registers itself on the application and runs when
+// chosen; `run` returns the process exit code.
+#ifndef QV5_TOOLS_COMMANDS_H
+#define QV5_TOOLS_COMMANDS_H
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+namespace qv5::cli {
+
+/// What a registered command runs once the arguments are parsed.
+using CommandRunner = std::function<int()>;
+
+/// The default job: the bundled (or a given) job file reduced and checked against its straight.
+CommandRunner add_sample_command(CLI::App& app);
+/// `inverse`: bearing, distances and gradient between two points.
+CommandRunner add_inverse_command(CLI::App& app);
+/// `follow`: the point at a bearing, distance and gradient from a start.
+CommandRunner add_follow_command(CLI::App& app);
+
+} // namespace qv5::cli
+
+#endif

@@ -1,0 +1,45 @@
+// qv5: the library's command-line program. With no arguments it runs the bundled sample job.
+#include "commands.h"
+#include "output.h"
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <iostream>
+
+int main(int argc, char** argv) {
+    using namespace qv5::cli;
+    CLI::App app{"qv5 - survey and road-design computations with QV5lib", "qv5"};
+    app.set_version_flag("--version", QV5_VERSION);
+    app.require_subcommand(0, 1);
+
+    const CommandRunner sample = add_sample_command(app);
+    const CommandRunner inverse = add_inverse_command(app);
+    const CommandRunner follow = add_follow_command(app);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForAllHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForVersion& e) {
+        return app.exit(e);
+    } catch (const CLI::ParseError& e) {
+        report_error(std::string(e.what()) + " (run 'qv5 --help' for usage)");
+        return kExitBadArguments;
+    }
+
+    try {
+        if (app.got_subcommand("inverse")) {
+            return inverse();
+        }
+        if (app.got_subcommand("follow")) {
+            return follow();
+        }
+        return sample();
+    } catch (const std::exception& e) {
+        report_error(e.what());
+        return kExitBadData;
+    }
+}
