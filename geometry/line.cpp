@@ -262,9 +262,17 @@ void CGeoLine::GridHorzPoint(double station, CGeoPoint& result) {
 }
 
 void CGeoLine::GridHorzOffsetPoint(double station, double offset, CGeoPoint& result) {
-    GridHorzPoint(station, result);
+    // Ask for the azimuth once, before GridHorzPoint does: a failed derivation reports GEO_NULL
+    // only on its first call and the cache field afterwards, so asking again after GridHorzPoint
+    // would offset the start point along a stale direction. A line without a direction gives
+    // its start point, neither moved along nor offset.
     const double azimuth = GridAzimuth();
-    if (offset == GEO_NULL || azimuth == GEO_NULL) {
+    if (azimuth == GEO_NULL) {
+        result = m_startPt;
+        return;
+    }
+    GridHorzPoint(station, result);
+    if (offset == GEO_NULL) {
         return;
     }
     CGeoLine square;

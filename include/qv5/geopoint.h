@@ -82,12 +82,12 @@ private:
     double DeriveGrid(double geo_nee::*coordinate);
 
     geo_nee m_grid;
-    geo_llh m_wgs84;
+    [[maybe_unused]] geo_llh m_wgs84;
     geo_hvd m_obs;
     std::uint64_t m_flags;
     CGeoPoint* m_station;
     double m_hi;
-    CGeoTransformation* m_transformation;
+    [[maybe_unused]] CGeoTransformation* m_transformation;
 };
 
 /// A growable array of points held by value that keeps the bounding extents of what it holds.

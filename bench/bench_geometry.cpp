@@ -1,0 +1,396 @@
+// Survey functions and the straight line, each beside the bare maths it wraps.
+//
+// Naming: BM_<call> times the library; BM_<call>_Bare times the same arithmetic written here as
+// a plain function that the compiler may not inline, so that both sides pay for one call and
+// the ratio shows what the library adds (null handling, caches, normalisation, the call into a
+// shared library). bench/ratios.py turns a JSON run into the table of docs/performance.md.
+#include "bench_inputs.h"
+
+#include "qv5/qv5lib.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <string>
+
+#define QV5_BARE [[gnu::noinline]]
+
+namespace {
+
+using qv5::bench::inputs;
+using qv5::bench::next;
+
+constexpr double kTwoPi = 6.283185307179586;
+constexpr double kPi = 3.141592653589793;
+constexpr double kHalfPi = 1.5707963267948966;
+
+/// Runs `body(i)` once per iteration with i cycling through the input tables.
+template <class Body>
+void cycle(benchmark::State& state, Body body) {
+    std::size_t i = 0;
+    for (auto _ : state) {
+        body(i);
+        i = next(i);
+    }
+}
+
+inline double bare_normalise(double b) {
+    while (b >= kTwoPi) {
+        b -= kTwoPi;
+    }
+    while (b < 0.0) {
+        b += kTwoPi;
+    }
+    return b;
+}
+
+// ---- the bare maths ------------------------------------------------------------------------
+
+QV5_BARE double bare_normalised_bearing(double b) {
+    return bare_normalise(b);
+}
+
+QV5_BARE double bare_grid_bearing(const geo_nee& a, const geo_nee& b) {
+    return bare_normalise(std::atan2(b.east - a.east, b.north - a.north));
+}
+
+QV5_BARE double bare_grid_divergence(double b1, double b2) {
+    const double d = bare_normalise(b1 - b2);
+    return d > kPi ? kTwoPi - d : d;
+}
+
+QV5_BARE double bare_bisected_bearing(double b1, double b2) {
+    double d = bare_normalise(b2 - b1);
+    if (d > kPi) {
+        d -= kTwoPi;
+    }
+    return bare_normalise(b1 + 0.5 * d);
+}
+
+QV5_BARE void bare_radtodms(double r, int* d, int* m, double* s) {
+    const double deg = r * 57.29577951308232;
+    double t = std::fabs(deg) * 3600.0 + 5e-6;
+    const int dd = static_cast<int>(t * 0.0002777777777777778);
+    t -= dd * 3600.0;
+    const int mm = static_cast<int>(t * 0.016666666666666666);
+    *s = t - mm * 60.0 - 5e-6;
+    *d = deg >= 0.0 ? dd : -dd;
+    *m = mm;
+}
+
+QV5_BARE void bare_dmstorad(int d, int m, double s, double* r) {
+    const double v = std::fabs(static_cast<double>(d)) * 0.017453292519943295 +
+                     m * 0.0002908882086657216 + s * 4.84813681109536e-6;
+    *r = d < 0 ? -v : v;
+}
+
+QV5_BARE double bare_horz_dist(const geo_nee& a, const geo_nee& b) {
+    const double dn = a.north - b.north;
+    const double de = a.east - b.east;
+    return std::sqrt(dn * dn + de * de);
+}
+
+QV5_BARE double bare_slope_dist(const geo_nee& a, const geo_nee& b) {
+    const double dn = a.north - b.north;
+    const double de = a.east - b.east;
+    return std::sqrt(a.elev * b.elev + std::sqrt(dn * dn + de * de));
+}
+
+QV5_BARE double bare_gradient(const geo_nee& a, const geo_nee& b) {
+    const double dn = a.north - b.north;
+    const double de = a.east - b.east;
+    const double h = std::sqrt(dn * dn + de * de);
+    const double v = b.elev - a.elev;
+    return h < 0.0001 ? (v > 0.0 ? kHalfPi : -kHalfPi) : std::atan(v / h);
+}
+
+QV5_BARE void bare_grid_follow(const geo_nee& s, double bearing, double distance, double gradient,
+                               geo_nee& out) {
+    out = s;
+    out.north += std::cos(bearing) * distance;
+    out.east += std::sin(bearing) * distance;
+    out.elev += std::tan(gradient) * distance;
+}
+
+QV5_BARE void bare_reduce_obs(const geo_hvd& obs, const geo_nee& st, double hi, geo_nee& out) {
+    const double hd = obs.dist * std::fabs(std::sin(obs.vz));
+    const double dz = obs.dist * std::cos(obs.vz);
+    out.north = st.north + std::cos(obs.hz) * hd;
+    out.east = st.east + std::sin(obs.hz) * hd;
+    out.elev = st.elev + dz + hi;
+}
+
+QV5_BARE void bare_calc_obs(const geo_nee& a, double ha, const geo_nee& b, double hb,
+                            geo_hvd& obs) {
+    const double dn = b.north - a.north;
+    const double de = b.east - a.east;
+    const double dz = (b.elev + hb) - a.elev - ha;
+    obs.hz = bare_normalise(std::atan2(de, dn));
+    const double hd = std::sqrt(de * de + dn * dn);
+    obs.vz = bare_normalise(kHalfPi - std::atan2(dz, hd));
+    obs.dist = std::sqrt(hd * hd + dz * dz);
+}
+
+QV5_BARE int bare_point_on_line(const geo_nee& a, const geo_nee& b, const geo_nee& p, double tol) {
+    double theta = bare_normalise(bare_normalise(std::atan2(b.east - a.east, b.north - a.north)) -
+                                  bare_normalise(std::atan2(p.east - a.east, p.north - a.north)));
+    const double tc = theta > kPi ? kTwoPi - theta : theta;
+    const double l = std::sqrt((a.north - b.north) * (a.north - b.north) +
+                               (a.east - b.east) * (a.east - b.east));
+    const double d = std::sqrt((a.north - p.north) * (a.north - p.north) +
+                               (a.east - p.east) * (a.east - p.east));
+    const double along = std::cos(tc) * d;
+    if (along < -tol || along > l + tol) {
+        return 0;
+    }
+    if (theta > kPi) {
+        theta -= kTwoPi;
+    }
+    return std::fabs(-std::sin(theta) * d) <= tol ? 1 : 0;
+}
+
+QV5_BARE int bare_point_in_poly(int n, const geo_nee* poly, const geo_nee* point) {
+    const geo_nee& p = *point;
+    bool inside = false;
+    for (int k = 0, j = n - 1; k < n; j = k++) {
+        if (p.east == poly[k].east && p.north == poly[k].north) {
+            return 1;
+        }
+        if ((poly[k].north <= p.north && p.north < poly[j].north) ||
+            (poly[j].north <= p.north && p.north < poly[k].north)) {
+            double dn = poly[j].north - poly[k].north;
+            if (dn == 0.0) {
+                dn = 1e-8;
+            }
+            if (p.east <
+                (poly[j].east - poly[k].east) / dn * (p.north - poly[k].north) + poly[k].east) {
+                inside = !inside;
+            }
+        }
+    }
+    return inside ? 1 : 0;
+}
+
+QV5_BARE int bare_lines_cross(const geo_nee& a1, const geo_nee& a2, const geo_nee& b1,
+                              const geo_nee& b2) {
+    const auto straddles = [](const geo_nee& p1, const geo_nee& p2, const geo_nee& q1,
+                              const geo_nee& q2) {
+        const double de = p2.east - p1.east;
+        const double dn = p2.north - p1.north;
+        const double c = de * p1.north - dn * p1.east;
+        return (de * q1.north - dn * q1.east < c) != (de * q2.north - dn * q2.east < c);
+    };
+    return straddles(a1, a2, b1, b2) && straddles(b1, b2, a1, a2) ? 1 : 0;
+}
+
+// Station and offset of p against a line a->b: two atan2, a cos, a sin and a square root, the
+// least any such computation needs.
+QV5_BARE void bare_station_offset(const geo_nee& a, const geo_nee& b, const geo_nee& p,
+                                  double& station, double& offset) {
+    const double line_az = std::atan2(b.east - a.east, b.north - a.north);
+    const double dn = p.north - a.north;
+    const double de = p.east - a.east;
+    const double d = std::atan2(de, dn) - line_az;
+    const double h = std::sqrt(dn * dn + de * de);
+    station = h * std::cos(d);
+    offset = h * std::sin(d);
+}
+
+// Point at station s and offset o on the line a->b with the line's grade.
+QV5_BARE void bare_horz_offset_point(const geo_nee& a, const geo_nee& b, double s, double o,
+                                     geo_nee& out) {
+    const double dn = b.north - a.north;
+    const double de = b.east - a.east;
+    const double az = bare_normalise(std::atan2(de, dn));
+    const double len = std::sqrt(dn * dn + de * de);
+    const double grade = std::atan((b.elev - a.elev) / len);
+    const double perp = bare_normalise(az + kHalfPi);
+    out.north = a.north + std::cos(az) * s + std::cos(perp) * o;
+    out.east = a.east + std::sin(az) * s + std::sin(perp) * o;
+    out.elev = a.elev + std::tan(grade) * s;
+}
+
+// ---- benchmarks ----------------------------------------------------------------------------
+
+/// Registers BM_<name> and BM_<name>_Bare; each body takes the input index.
+template <class Library, class Bare>
+void pair(const std::string& name, Library library, Bare bare) {
+    benchmark::RegisterBenchmark(("BM_" + name).c_str(),
+                                 [library](benchmark::State& state) { cycle(state, library); });
+    benchmark::RegisterBenchmark(("BM_" + name + "_Bare").c_str(),
+                                 [bare](benchmark::State& state) { cycle(state, bare); });
+}
+
+void register_all() {
+    const auto& in = inputs();
+    const auto p = [&in](std::size_t i, int k) -> const geo_nee& {
+        while (k-- > 0) {
+            i = next(i);
+        }
+        return in.points[i];
+    };
+    const auto a = [&in](std::size_t i, int k) { return in.angles[k == 0 ? i : next(i)]; };
+    const auto d = [&in](std::size_t i) { return in.distances[i]; };
+
+    pair(
+        "geo_normalised_bearing",
+        [=](std::size_t i) { benchmark::DoNotOptimize(geo_normalised_bearing(a(i, 0))); },
+        [=](std::size_t i) { benchmark::DoNotOptimize(bare_normalised_bearing(a(i, 0))); });
+    pair(
+        "geo_grid_bearing",
+        [=](std::size_t i) { benchmark::DoNotOptimize(geo_grid_bearing(p(i, 0), p(i, 1))); },
+        [=](std::size_t i) { benchmark::DoNotOptimize(bare_grid_bearing(p(i, 0), p(i, 1))); });
+    pair(
+        "geo_grid_divergence",
+        [=](std::size_t i) { benchmark::DoNotOptimize(geo_grid_divergence(a(i, 0), a(i, 1))); },
+        [=](std::size_t i) { benchmark::DoNotOptimize(bare_grid_divergence(a(i, 0), a(i, 1))); });
+    pair(
+        "geo_bisected_bearing",
+        [=](std::size_t i) { benchmark::DoNotOptimize(geo_bisected_bearing(a(i, 0), a(i, 1))); },
+        [=](std::size_t i) { benchmark::DoNotOptimize(bare_bisected_bearing(a(i, 0), a(i, 1))); });
+    pair(
+        "radtodms",
+        [=](std::size_t i) {
+            int deg, min;
+            double sec;
+            _radtodms(a(i, 0), &deg, &min, &sec);
+            benchmark::DoNotOptimize(sec);
+        },
+        [=](std::size_t i) {
+            int deg, min;
+            double sec;
+            bare_radtodms(a(i, 0), &deg, &min, &sec);
+            benchmark::DoNotOptimize(sec);
+        });
+    pair(
+        "dmstorad",
+        [=](std::size_t i) {
+            double r;
+            _dmstorad(static_cast<int>(i) - 512, static_cast<int>(i & 63), d(i), &r);
+            benchmark::DoNotOptimize(r);
+        },
+        [=](std::size_t i) {
+            double r;
+            bare_dmstorad(static_cast<int>(i) - 512, static_cast<int>(i & 63), d(i), &r);
+            benchmark::DoNotOptimize(r);
+        });
+    pair(
+        "geo_horz_dist",
+        [=](std::size_t i) { benchmark::DoNotOptimize(geo_horz_dist(p(i, 0), p(i, 1))); },
+        [=](std::size_t i) { benchmark::DoNotOptimize(bare_horz_dist(p(i, 0), p(i, 1))); });
+    pair(
+        "geo_slope_dist",
+        [=](std::size_t i) { benchmark::DoNotOptimize(geo_slope_dist(p(i, 0), p(i, 1))); },
+        [=](std::size_t i) { benchmark::DoNotOptimize(bare_slope_dist(p(i, 0), p(i, 1))); });
+    pair(
+        "geo_gradient",
+        [=](std::size_t i) { benchmark::DoNotOptimize(geo_gradient(p(i, 0), p(i, 1))); },
+        [=](std::size_t i) { benchmark::DoNotOptimize(bare_gradient(p(i, 0), p(i, 1))); });
+    pair(
+        "geo_grid_follow",
+        [=](std::size_t i) {
+            geo_nee out;
+            geo_grid_follow(p(i, 0), a(i, 0), d(i), a(i, 1) * 0.01, out);
+            benchmark::DoNotOptimize(out);
+        },
+        [=](std::size_t i) {
+            geo_nee out;
+            bare_grid_follow(p(i, 0), a(i, 0), d(i), a(i, 1) * 0.01, out);
+            benchmark::DoNotOptimize(out);
+        });
+    pair(
+        "geo_reduce_obs",
+        [=](std::size_t i) {
+            geo_nee out;
+            geo_reduce_obs(geo_hvd{a(i, 0), 1.5 + a(i, 1) * 0.01, d(i)}, p(i, 0), 1.5, out);
+            benchmark::DoNotOptimize(out);
+        },
+        [=](std::size_t i) {
+            geo_nee out;
+            bare_reduce_obs(geo_hvd{a(i, 0), 1.5 + a(i, 1) * 0.01, d(i)}, p(i, 0), 1.5, out);
+            benchmark::DoNotOptimize(out);
+        });
+    pair(
+        "geo_calc_obs",
+        [=](std::size_t i) {
+            geo_hvd obs;
+            geo_calc_obs(p(i, 0), 1.5, p(i, 1), 1.8, obs);
+            benchmark::DoNotOptimize(obs);
+        },
+        [=](std::size_t i) {
+            geo_hvd obs;
+            bare_calc_obs(p(i, 0), 1.5, p(i, 1), 1.8, obs);
+            benchmark::DoNotOptimize(obs);
+        });
+    pair(
+        "geo_point_on_line",
+        [=](std::size_t i) {
+            benchmark::DoNotOptimize(geo_point_on_line(p(i, 0), p(i, 1), p(i, 2), 10.0));
+        },
+        [=](std::size_t i) {
+            benchmark::DoNotOptimize(bare_point_on_line(p(i, 0), p(i, 1), p(i, 2), 10.0));
+        });
+    pair(
+        "geo_point_in_poly",
+        [=](std::size_t i) {
+            benchmark::DoNotOptimize(
+                geo_point_in_poly(12, &in.points[i & ~std::size_t{15}], &p(i, 0)));
+        },
+        [=](std::size_t i) {
+            benchmark::DoNotOptimize(
+                bare_point_in_poly(12, &in.points[i & ~std::size_t{15}], &p(i, 0)));
+        });
+    pair(
+        "geo_lines_cross",
+        [=](std::size_t i) {
+            benchmark::DoNotOptimize(geo_lines_cross(p(i, 0), p(i, 1), p(i, 2), p(i, 3)));
+        },
+        [=](std::size_t i) {
+            benchmark::DoNotOptimize(bare_lines_cross(p(i, 0), p(i, 1), p(i, 2), p(i, 3)));
+        });
+
+    // A fresh line each time: its caches are empty, so the station and offset pay for the
+    // line's own azimuth as well as the point's.
+    pair(
+        "CGeoLine_StationOffset_FreshLine",
+        [=](std::size_t i) {
+            CGeoPoint start(p(i, 0));
+            CGeoPoint end(p(i, 1));
+            CGeoPoint shot(p(i, 2));
+            CGeoLine line(start, end);
+            benchmark::DoNotOptimize(line.GridStation(shot));
+            benchmark::DoNotOptimize(line.GridOffset(shot));
+        },
+        [=](std::size_t i) {
+            double station;
+            double offset;
+            bare_station_offset(p(i, 0), p(i, 1), p(i, 2), station, offset);
+            benchmark::DoNotOptimize(station);
+            benchmark::DoNotOptimize(offset);
+        });
+    pair(
+        "CGeoLine_HorzOffsetPoint_FreshLine",
+        [=](std::size_t i) {
+            CGeoPoint start(p(i, 0));
+            CGeoPoint end(p(i, 1));
+            CGeoLine line(start, end);
+            CGeoPoint result;
+            line.GridHorzOffsetPoint(d(i), a(i, 0), result);
+            benchmark::DoNotOptimize(result.Northing());
+        },
+        [=](std::size_t i) {
+            geo_nee out;
+            bare_horz_offset_point(p(i, 0), p(i, 1), d(i), a(i, 0), out);
+            benchmark::DoNotOptimize(out.north);
+        });
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    register_all();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,32 @@
+#!/usr/bin/env python3
+"""Reads a Google Benchmark JSON run and prints each BM_<name> beside BM_<name>_Bare (or the
+baseline named in BASELINES) as a Markdown table with the ratio library / baseline."""
+import json
+import sys
+
+# Benchmarks whose baseline is not simply <name>_Bare: name -> baseline name.
+BASELINES = {}
+
+
+def main(path):
+    with open(path) as f:
+        run = json.load(f)
+    times = {}
+    for b in run["benchmarks"]:
+        if b.get("run_type", "iteration") == "aggregate" and b.get("aggregate_name") != "median":
+            continue
+        name = b.get("run_name", b["name"])
+        times[name] = b["cpu_time"]
+    print("| Call | ns/call | Baseline | ns/call | Ratio |")
+    print("|---|---:|---|---:|---:|")
+    for name, t in times.items():
+        if name.endswith("_Bare"):
+            continue
+        base = BASELINES.get(name, name + "_Bare")
+        if base not in times:
+            continue
+        print(f"| `{name[3:]}` | {t:.1f} | {base[3:]} | {times[base]:.1f} | {t / times[base]:.2f} |")
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])

@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Quick start 2: builds and runs the whole test suite twice - the release build (g++) and the
+# AddressSanitizer + UndefinedBehaviorSanitizer build (clang), which also runs a short session
+# of every fuzzer.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+source scripts/deps.sh
+qv5_install_dependencies
+
+jobs=$(nproc 2>/dev/null || echo 2)
+for preset in release asan; do
+    echo "==> $preset: configure"
+    cmake --preset "$preset" >/dev/null
+    echo "==> $preset: build"
+    cmake --build --preset "$preset" -j "$jobs"
+    echo "==> $preset: test"
+    ctest --preset "$preset" -j "$jobs"
+done
+echo "==> all tests passed"

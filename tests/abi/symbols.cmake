@@ -1,0 +1,37 @@
+# Lists the library's defined dynamic symbols (mangled, sorted) and compares them with LIST, or
+# rewrites LIST when UPDATE is set.
+execute_process(COMMAND nm -D --defined-only ${LIBRARY} OUTPUT_VARIABLE table RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "nm failed on ${LIBRARY}")
+endif()
+string(REPLACE "\n" ";" rows "${table}")
+set(symbols)
+foreach(row IN LISTS rows)
+    if(row MATCHES "^[0-9a-fA-F]+ [A-Za-z] (.+)$")
+        set(name ${CMAKE_MATCH_1})
+        if(NOT name MATCHES "^_(init|fini|edata|end|_bss_start)$")
+            list(APPEND symbols ${name})
+        endif()
+    endif()
+endforeach()
+list(SORT symbols)
+list(REMOVE_DUPLICATES symbols)
+list(JOIN symbols "\n" actual)
+set(actual "${actual}\n")
+
+if(UPDATE)
+    file(WRITE ${LIST} "${actual}")
+    return()
+endif()
+
+file(READ ${LIST} expected)
+if(NOT actual STREQUAL expected)
+    string(REPLACE "\n" ";" expected_list "${expected}")
+    set(added ${symbols})
+    list(REMOVE_ITEM added ${expected_list})
+    set(removed ${expected_list})
+    list(REMOVE_ITEM removed ${symbols} "")
+    message(FATAL_ERROR "the exported symbols differ from tests/abi/exported-symbols.txt\n"
+                        "added: ${added}\nremoved: ${removed}\n"
+                        "(after a deliberate change: cmake --build <dir> --target update-exported-symbols)")
+endif()

@@ -1,0 +1,10 @@
+# The installed program finds the installed library (its RPATH) and the installed sample job.
+execute_process(COMMAND ${PREFIX}/bin/qv5 --json RESULT_VARIABLE result OUTPUT_VARIABLE out
+                ERROR_VARIABLE err)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "installed qv5 failed (${result}): ${err}")
+endif()
+string(FIND "${out}" "${PREFIX}/share/qv5/sample-observations.csv" at)
+if(at EQUAL -1)
+    message(FATAL_ERROR "installed qv5 did not use the installed sample job:\n${out}")
+endif()
