@@ -1,0 +1,6 @@
+file(READ ${README} readme)
+file(READ ${EXAMPLE} example)
+string(FIND "${readme}" "```cpp\n${example}```" at)
+if(at EQUAL -1)
+    message(FATAL_ERROR "README.md's example differs from ${EXAMPLE}; keep them identical")
+endif()
