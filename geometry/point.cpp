@@ -1,7 +1,9 @@
 // Points with lazily derived grid coordinates.
 #include "qv5/geopoint.h"
 
+#include "qv5/geo7ptrans.h"
 #include "qv5/geosurvey.h"
+#include "qv5/geotrans.h"
 
 #include <cmath>
 
@@ -52,6 +54,16 @@ void CGeoPoint::SetStation(const CGeoPoint& point, double hi) {
     m_flags |= PT_STATION;
 }
 
+void CGeoPoint::SetWGS84(const geo_llh& wgs84) {
+    m_wgs84 = wgs84;
+    m_flags = PT_WGS84;
+}
+
+void CGeoPoint::SetTransformation(CGeoTransformation& transformation) {
+    m_transformation = &transformation;
+    m_flags = 0;
+}
+
 double CGeoPoint::HI() const {
     return m_hi;
 }
@@ -68,6 +80,11 @@ double CGeoPoint::DeriveGrid(double geo_nee::*coordinate) {
     // GEO_NULL and is not retried until a Set clears the flag.
     m_flags |= PT_GRID;
     m_grid = kNullGrid;
+    if ((m_flags & PT_WGS84) != 0 && m_transformation != nullptr &&
+        m_transformation->IsCalibrated() != 0) {
+        m_transformation->Forward(m_wgs84, m_grid);
+        return m_grid.*coordinate;
+    }
     if ((m_flags & PT_OBS) == 0 || m_station == nullptr) {
         return GEO_NULL;
     }
@@ -111,6 +128,42 @@ geo_nee& CGeoPoint::Grid() {
     GetGrid(grid);
     m_grid = grid;
     return m_grid;
+}
+
+double CGeoPoint::DeriveWgs84(double geo_llh::*coordinate) {
+    if ((m_flags & PT_WGS84) != 0) {
+        return m_wgs84.*coordinate;
+    }
+    m_flags |= PT_WGS84;
+    m_wgs84 = kNullWgs84;
+    // Only a grid value the point already holds is converted: the grid of an observed point is
+    // not derived on the way.
+    if ((m_flags & PT_GRID) == 0) {
+        return GEO_NULL;
+    }
+    if (m_transformation == nullptr || m_transformation->IsCalibrated() == 0) {
+        return GEO_NULL;
+    }
+    m_transformation->Reverse(m_grid, m_wgs84);
+    return m_wgs84.*coordinate;
+}
+
+double CGeoPoint::WGS84Lat() {
+    return DeriveWgs84(&geo_llh::lat);
+}
+
+double CGeoPoint::WGS84Lon() {
+    return DeriveWgs84(&geo_llh::lon);
+}
+
+double CGeoPoint::WGS84Hgt() {
+    return DeriveWgs84(&geo_llh::height);
+}
+
+void CGeoPoint::GridTransform(CGeo7PTrans& transformation) {
+    if ((m_flags & PT_GRID) != 0) {
+        transformation.Transform(m_grid);
+    }
 }
 
 int CGeoPoint::Ok2DGrid() {

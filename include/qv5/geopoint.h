@@ -9,14 +9,25 @@
 
 #include <cstdint>
 
+class CGeo7PTrans;
 class CGeoTransformation;
 
-/// A point known by its grid coordinates, or by an observation from another point that serves
-/// as instrument station; the missing representation is derived on first request and cached.
+/// A point known by its grid coordinates, by its WGS84 position, or by an observation from
+/// another point that serves as instrument station; the missing representations are derived on
+/// first request and cached.
 ///
 /// Reading may therefore update the point. A derivation that fails is cached as `GEO_NULL` and
-/// is not retried until a Set operation clears the cache. The station point is referred to, not
-/// owned, and must outlive every request made of this point.
+/// is not retried until a Set operation clears the cache. The station point and the attached
+/// transformation are referred to, not owned, and must outlive every request made of this
+/// point.
+///
+/// Grid and WGS84 are converted through an attached site calibration (SetTransformation) that
+/// reports itself calibrated. A WGS84 position gives the grid on request; a grid gives the WGS84
+/// position on request. An observed point gets a WGS84 position only once its grid has been
+/// derived: asking for WGS84 first does not derive the grid on the way. The WGS84 value is then
+/// cached as `GEO_NULL`, and since a WGS84 value takes precedence over an observation in the
+/// grid derivation, with a calibrated transformation attached the grid then comes out
+/// `GEO_NULL` as well. Ask an observed point for its grid first.
 ///
 /// Grid derivation of an observed point fills north, east and elevation together, whichever is
 /// asked first. North and east need a station that was given an instrument height (SetStation);
@@ -51,6 +62,14 @@ public:
     void SetHVD(double hz, double vz, double dist, CGeoPoint& station);
     /// Makes this point a copy of `point` that is an instrument station with height `hi`.
     void SetStation(const CGeoPoint& point, double hi);
+    /// Sets the WGS84 position (latitude and longitude in radians, ellipsoidal height in
+    /// metres). Every other cached value is forgotten and the point stops being an instrument
+    /// station.
+    void SetWGS84(const geo_llh& wgs84);
+    /// Attaches the site calibration used between grid and WGS84 (referred to, not copied).
+    /// Every flag is cleared, the definition included: the point then knows nothing until it is
+    /// set again, and the next request derives from scratch.
+    void SetTransformation(CGeoTransformation& transformation);
 
     /// Instrument height above the point when it serves as a station; `GEO_NULL` by default.
     double HI() const;
@@ -66,6 +85,19 @@ public:
     /// Brings the point's own grid value up to date and returns it.
     geo_nee& Grid();
 
+    /// WGS84 latitude, radians, derived if needed; `GEO_NULL` when it cannot be derived.
+    double WGS84Lat();
+    /// WGS84 longitude, radians, derived if needed; `GEO_NULL` when it cannot be derived.
+    double WGS84Lon();
+    /// WGS84 ellipsoidal height, metres, derived if needed; `GEO_NULL` when it cannot be
+    /// derived.
+    double WGS84Hgt();
+
+    /// Applies a seven-parameter transformation to the grid value in place, when the point
+    /// holds one (nothing happens otherwise; nothing is derived). The cache flags are unchanged,
+    /// so a cached WGS84 value still describes the untransformed grid.
+    void GridTransform(CGeo7PTrans& transformation);
+
     /// 1 when north and east are both set (deriving first), else 0.
     int Ok2DGrid();
     /// 1 when north, east and elevation are all set (deriving first), else 0.
@@ -80,14 +112,15 @@ public:
 
 private:
     double DeriveGrid(double geo_nee::*coordinate);
+    double DeriveWgs84(double geo_llh::*coordinate);
 
     geo_nee m_grid;
-    [[maybe_unused]] geo_llh m_wgs84;
+    geo_llh m_wgs84;
     geo_hvd m_obs;
     std::uint64_t m_flags;
     CGeoPoint* m_station;
     double m_hi;
-    [[maybe_unused]] CGeoTransformation* m_transformation;
+    CGeoTransformation* m_transformation;
 };
 
 /// A growable array of points held by value that keeps the bounding extents of what it holds.

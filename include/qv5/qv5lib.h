@@ -5,11 +5,17 @@
 #define QV5_QV5LIB_H
 
 #include "qv5/export.h"
+#include "qv5/geo7ptrans.h"
+#include "qv5/geoadjust.h"
 #include "qv5/geoarray.h"
 #include "qv5/geodef.h"
+#include "qv5/geoellipsoid.h"
 #include "qv5/geoline.h"
+#include "qv5/geomatrix.h"
 #include "qv5/geopoint.h"
+#include "qv5/geostereo.h"
 #include "qv5/geosurvey.h"
+#include "qv5/geotrans.h"
 #include "qv5/hostfw.h"
 
 #endif // QV5_QV5LIB_H
