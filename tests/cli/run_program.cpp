@@ -1,5 +1,6 @@
 #include "run_program.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -39,11 +40,12 @@ void drain(int out_fd, int err_fd, std::string& out, std::string& err) {
 } // namespace
 
 ProgramResult run_program(const std::string& program, const std::vector<std::string>& args,
-                          const std::vector<std::string>& environment) {
+                          const std::vector<std::string>& environment, const std::string& input) {
     ProgramResult result;
+    int in_pipe[2];
     int out_pipe[2];
     int err_pipe[2];
-    if (pipe(out_pipe) != 0 || pipe(err_pipe) != 0) {
+    if (pipe(in_pipe) != 0 || pipe(out_pipe) != 0 || pipe(err_pipe) != 0) {
         return result;
     }
     std::vector<char*> argv;
@@ -54,6 +56,9 @@ ProgramResult run_program(const std::string& program, const std::vector<std::str
     argv.push_back(nullptr);
     const pid_t pid = fork();
     if (pid == 0) {
+        dup2(in_pipe[0], STDIN_FILENO);
+        close(in_pipe[0]);
+        close(in_pipe[1]);
         dup2(out_pipe[1], STDOUT_FILENO);
         dup2(err_pipe[1], STDERR_FILENO);
         close(out_pipe[0]);
@@ -66,6 +71,18 @@ ProgramResult run_program(const std::string& program, const std::vector<std::str
         execv(program.c_str(), argv.data());
         _exit(127);
     }
+    close(in_pipe[0]);
+    // A program that exits without reading its input must not take the tests down with it.
+    std::signal(SIGPIPE, SIG_IGN);
+    // The inputs of the tests are small: they fit in the pipe before the program reads them.
+    for (std::size_t written = 0; written < input.size();) {
+        const ssize_t n = write(in_pipe[1], input.data() + written, input.size() - written);
+        if (n <= 0) {
+            break;
+        }
+        written += static_cast<std::size_t>(n);
+    }
+    close(in_pipe[1]);
     close(out_pipe[1]);
     close(err_pipe[1]);
     drain(out_pipe[0], err_pipe[0], result.out, result.err);

@@ -13,9 +13,11 @@ struct ProgramResult {
     std::string err;
 };
 
-/// Runs `program` with `args` (no shell), with `environment` entries ("NAME=value") added.
+/// Runs `program` with `args` (no shell), with `environment` entries ("NAME=value") added and
+/// `input` as its standard input (empty by default: the program reads end of file at once).
 ProgramResult run_program(const std::string& program, const std::vector<std::string>& args,
-                          const std::vector<std::string>& environment = {});
+                          const std::vector<std::string>& environment = {},
+                          const std::string& input = {});
 
 } // namespace qv5::test
 

@@ -107,7 +107,8 @@ TEST(Matrix, AssignmentTakesOrdersAndElements) {
     CGeoMatrix b(4, 4);
     b = a;
     expect_elements(b, 1, 3, {1, 2, 3});
-    b = b; // self-assignment keeps the matrix
+    CGeoMatrix& same = b;
+    b = same; // self-assignment keeps the matrix
     expect_elements(b, 1, 3, {1, 2, 3});
 }
 

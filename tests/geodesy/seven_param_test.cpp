@@ -203,7 +203,8 @@ TEST(SevenParam, AssignmentCopiesEverything) {
     target.Transform(b);
     EXPECT_EQ(a.north, b.north);
     EXPECT_EQ(a.elev, b.elev);
-    target = target;
+    CGeo7PTrans& same = target;
+    target = same; // self-assignment keeps everything
     EXPECT_EQ(target.RotZ(), 0.03);
 }
 

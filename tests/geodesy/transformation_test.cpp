@@ -760,7 +760,8 @@ TEST(TransformationCopy, AssignmentRecomputesWithUnitDefaultsThenCopiesThem) {
     EXPECT_EQ(target.DefaultScale(), 1.5);
     EXPECT_EQ(target.DefaultRotation(), 0.2);
     EXPECT_EQ(target.GetSeedPoint(nullptr), -1); // the seed is not copied
-    target = target;
+    CGeoTransformation& same = target;
+    target = same; // self-assignment keeps the points
     EXPECT_EQ(target.NumberOfPoints(), 1);
 }
 

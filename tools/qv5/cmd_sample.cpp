@@ -10,10 +10,8 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
-#include <sstream>
 
 namespace qv5::cli {
 namespace {
@@ -122,17 +120,15 @@ void print_json(const std::string& source, const Job& job, CGeoLine& straight,
 int run_sample(const SampleOptions& options) {
     const std::filesystem::path path =
         options.data_file.empty() ? default_job_path() : std::filesystem::path(options.data_file);
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
+    std::string text;
+    if (!read_whole_file(path.string(), text)) {
         report_error("cannot read job file '" + path.string() + "'");
         return kExitBadData;
     }
-    std::ostringstream text;
-    text << file.rdbuf();
 
     Job job;
     std::vector<JobError> errors;
-    if (!parse_job(text.str(), job, errors)) {
+    if (!parse_job(text, job, errors)) {
         for (const JobError& error : errors) {
             report_error(path.string() + (error.line > 0 ? ":" + std::to_string(error.line) : "") +
                          ": " + error.message);

@@ -18,6 +18,10 @@ CommandRunner add_sample_command(CLI::App& app);
 CommandRunner add_inverse_command(CLI::App& app);
 /// `follow`: the point at a bearing, distance and gradient from a start.
 CommandRunner add_follow_command(CLI::App& app);
+/// `calibrate`: a site calibration fitted to control points.
+CommandRunner add_calibrate_command(CLI::App& app);
+/// `convert`: WGS84 to grid and back through a saved calibration.
+CommandRunner add_convert_command(CLI::App& app);
 
 } // namespace qv5::cli
 

@@ -14,28 +14,6 @@ constexpr double kSecondsPerMinute = 60.0;
 /// A horizontal circle and a zenith circle both read below a full turn.
 constexpr int kDegreesPerTurn = 360;
 
-std::vector<std::string_view> split_fields(std::string_view line) {
-    std::vector<std::string_view> fields;
-    std::size_t start = 0;
-    while (true) {
-        const std::size_t comma = line.find(',', start);
-        fields.push_back(
-            line.substr(start, comma == std::string_view::npos ? comma : comma - start));
-        if (comma == std::string_view::npos) {
-            return fields;
-        }
-        start = comma + 1;
-    }
-}
-
-std::string_view trim(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 class RecordReader {
 public:
     RecordReader(const std::vector<std::string_view>& fields, int line,
@@ -162,19 +140,7 @@ void read_shot(RecordReader& reader, Job& job, int line) {
 bool parse_job(std::string_view text, Job& job, std::vector<JobError>& errors) {
     job = Job{};
     const std::size_t errors_before = errors.size();
-    int line_number = 0;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find('\n', start);
-        if (end == std::string_view::npos) {
-            end = text.size();
-        }
-        const std::string_view line = trim(text.substr(start, end - start));
-        start = end + 1;
-        ++line_number;
-        if (line.empty() || line.front() == '#') {
-            continue;
-        }
+    for_each_record(text, [&](int line_number, std::string_view line) {
         const std::vector<std::string_view> fields = split_fields(line);
         RecordReader reader(fields, line_number, errors);
         const std::string_view kind = trim(fields.front());
@@ -188,7 +154,7 @@ bool parse_job(std::string_view text, Job& job, std::vector<JobError>& errors) {
             reader.fail("unknown record '" + std::string(kind) +
                         "' (expected station, straight or shot)");
         }
-    }
+    });
     if (!job.station) {
         errors.push_back({0, "the job has no station record"});
     }

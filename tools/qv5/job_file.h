@@ -3,6 +3,7 @@
 #ifndef QV5_TOOLS_JOB_FILE_H
 #define QV5_TOOLS_JOB_FILE_H
 
+#include "csv_text.h"
 #include "qv5/geodef.h"
 
 #include <optional>
@@ -34,11 +35,6 @@ struct Job {
     std::optional<JobStation> station;
     std::optional<JobStraight> straight;
     std::vector<JobShot> shots;
-};
-
-struct JobError {
-    int line; ///< 0 for an error about the file as a whole
-    std::string message;
 };
 
 /// Reads a job from its text. Blank lines and lines starting with '#' are skipped. Every bad

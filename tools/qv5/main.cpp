@@ -16,6 +16,8 @@ int main(int argc, char** argv) {
     const CommandRunner sample = add_sample_command(app);
     const CommandRunner inverse = add_inverse_command(app);
     const CommandRunner follow = add_follow_command(app);
+    const CommandRunner calibrate = add_calibrate_command(app);
+    const CommandRunner convert = add_convert_command(app);
 
     try {
         app.parse(argc, argv);
@@ -36,6 +38,12 @@ int main(int argc, char** argv) {
         }
         if (app.got_subcommand("follow")) {
             return follow();
+        }
+        if (app.got_subcommand("calibrate")) {
+            return calibrate();
+        }
+        if (app.got_subcommand("convert")) {
+            return convert();
         }
         return sample();
     } catch (const std::exception& e) {

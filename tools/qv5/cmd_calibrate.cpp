@@ -1,0 +1,204 @@
+// `qv5 calibrate`: a site calibration fitted to control points, its parameters and residuals,
+// and optionally the calibration saved for `qv5 convert`.
+#include "calibration_file.h"
+#include "commands.h"
+#include "output.h"
+
+#include "qv5/qv5lib.h"
+
+#include <fmt/format.h>
+
+#include <fstream>
+#include <iostream>
+#include <memory>
+
+namespace qv5::cli {
+namespace {
+
+struct CalibrateOptions {
+    std::string points_file;
+    std::string save_file;
+    bool json = false;
+};
+
+const char* region_name(CGeoStereographic::stereo_Region region) {
+    switch (region) {
+    case CGeoStereographic::stereo_NorthPolar:
+        return "north polar";
+    case CGeoStereographic::stereo_SouthPolar:
+        return "south polar";
+    case CGeoStereographic::stereo_Equatorial:
+        return "equatorial";
+    case CGeoStereographic::stereo_Oblique:
+        return "oblique";
+    default:
+        return "none";
+    }
+}
+
+std::string failure_reason(geotrans_Error error) {
+    if (error == geotrans_OutOfMemory) {
+        return "out of memory";
+    }
+    return "the solution failed: the horizontal fit did not converge in 20 rounds, or the "
+           "vertical points do not define a plane (check for points at the same position)";
+}
+
+int count_use(const std::vector<ControlPoint>& points, std::uint32_t bit) {
+    int n = 0;
+    for (const ControlPoint& p : points) {
+        n += (p.flags & bit) != 0 ? 1 : 0;
+    }
+    return n;
+}
+
+void print_text(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t) {
+    constexpr double kDegreesPerRadian = 57.29577951308232;
+    std::cout << fmt::format("Calibration from {}: {} points ({} horizontal, {} vertical)\n\n",
+                             source, saved.points.size(),
+                             count_use(saved.points, geotrans_UseHorizontal),
+                             count_use(saved.points, geotrans_UseVertical));
+    std::cout << fmt::format("Projection     stereographic ({}) on WGS84, scale 1, centred on\n"
+                             "               {} {}  ({} {} degrees)\n",
+                             region_name(t.ProjectionType()), dms(t.OriginLat(), true),
+                             dms(t.OriginLon(), false), degrees(t.OriginLat(), 9),
+                             degrees(t.OriginLon(), 9));
+    std::cout << fmt::format("False origin   N {}  E {}\n", fixed(t.OriginNorth(), 4),
+                             fixed(t.OriginEast(), 4));
+    std::cout << fmt::format("Horizontal     scale {}  rotation {} rad ({} degrees)\n",
+                             fixed(t.HorizontalScale(), 9), fixed(t.HorizontalRotation(), 9),
+                             fixed(t.HorizontalRotation() * kDegreesPerRadian, 7));
+    std::cout << fmt::format("Vertical       height shift {} m  slope north {} m/m  slope east "
+                             "{} m/m\n\n",
+                             fixed(t.VerticalHeightAdjustment(), 4),
+                             fixed(t.VerticalSlopeNorth(), 8), fixed(t.VerticalSlopeEast(), 8));
+    std::cout << fmt::format("{:<16}{:>6}{:>16}{:>16}\n", "Point", "Use", "H residual",
+                             "V residual");
+    for (int i = 0; i < t.NumberOfPoints(); ++i) {
+        const geotrans_CalibrationPoint* p = t.NthPoint(i);
+        std::cout << fmt::format("{:<16}{:>6}{:>16}{:>16}\n", saved.points[i].name,
+                                 use_text(p->flags), fixed(p->hResidual, 4),
+                                 fixed(p->vResidual, 4));
+    }
+    int index = -1;
+    double value = GEO_NULL;
+    t.GetMaxHResidual(&index, &value);
+    std::cout << fmt::format("\nLargest horizontal residual  {}\n",
+                             index >= 0 ? saved.points[index].name + "  " + fixed(value, 4) + " m"
+                                        : std::string("none"));
+    t.GetMaxVResidual(&index, &value);
+    std::cout << fmt::format("Largest vertical residual    {}\n",
+                             index >= 0 ? saved.points[index].name + "  " + fixed(value, 4) + " m"
+                                        : std::string("none"));
+    std::cout << "\nHorizontal residual: plan distance between the computed and the known "
+                 "position. Vertical\nresidual: known minus computed elevation. Metres.\n";
+}
+
+nlohmann::ordered_json largest(int index, double value, const SavedCalibration& saved) {
+    if (index < 0) {
+        return nullptr;
+    }
+    return {{"name", saved.points[index].name}, {"value", json_number(value)}};
+}
+
+void print_json(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t) {
+    nlohmann::ordered_json residuals = nlohmann::ordered_json::array();
+    for (int i = 0; i < t.NumberOfPoints(); ++i) {
+        const geotrans_CalibrationPoint* p = t.NthPoint(i);
+        residuals.push_back({{"name", saved.points[i].name},
+                             {"horizontal", json_number(p->hResidual)},
+                             {"vertical", json_number(p->vResidual)}});
+    }
+    int h_index = -1;
+    double h_value = GEO_NULL;
+    t.GetMaxHResidual(&h_index, &h_value);
+    int v_index = -1;
+    double v_value = GEO_NULL;
+    t.GetMaxVResidual(&v_index, &v_value);
+    const nlohmann::ordered_json out = {
+        {"source", source},
+        {"points", saved.points.size()},
+        {"horizontal_points", count_use(saved.points, geotrans_UseHorizontal)},
+        {"vertical_points", count_use(saved.points, geotrans_UseVertical)},
+        {"projection",
+         {{"type", region_name(t.ProjectionType())},
+          {"origin_latitude_rad", json_number(t.OriginLat())},
+          {"origin_longitude_rad", json_number(t.OriginLon())},
+          {"origin_north", json_number(t.OriginNorth())},
+          {"origin_east", json_number(t.OriginEast())}}},
+        {"horizontal",
+         {{"scale", json_number(t.HorizontalScale())},
+          {"rotation_rad", json_number(t.HorizontalRotation())}}},
+        {"vertical",
+         {{"height_shift", json_number(t.VerticalHeightAdjustment())},
+          {"slope_north", json_number(t.VerticalSlopeNorth())},
+          {"slope_east", json_number(t.VerticalSlopeEast())}}},
+        {"residuals", residuals},
+        {"largest_horizontal", largest(h_index, h_value, saved)},
+        {"largest_vertical", largest(v_index, v_value, saved)}};
+    std::cout << out.dump(2) << '\n';
+}
+
+int run_calibrate(const CalibrateOptions& options) {
+    std::string text;
+    if (!read_whole_file(options.points_file, text)) {
+        report_error("calibrate: cannot read '" + options.points_file + "'");
+        return kExitBadData;
+    }
+    SavedCalibration saved;
+    std::vector<JobError> errors;
+    if (!parse_control_points(text, saved.points, errors)) {
+        for (const JobError& e : errors) {
+            report_error(options.points_file + (e.line > 0 ? ":" + std::to_string(e.line) : "") +
+                         ": " + e.message);
+        }
+        report_error("calibrate: file rejected: " + std::to_string(errors.size()) +
+                     " error(s); nothing was calibrated");
+        return kExitBadData;
+    }
+    CGeoTransformation t;
+    geotrans_Error error = geotrans_NoError;
+    if (!build_calibration(saved, t, error)) {
+        report_error("calibrate: " + options.points_file + ": no calibration: " +
+                     (t.NumberOfCalibratedPoints() == 0
+                          ? std::string("no point is used horizontally or vertically")
+                          : failure_reason(error)));
+        return kExitBadData;
+    }
+    if (!options.save_file.empty()) {
+        std::ofstream file(options.save_file, std::ios::binary | std::ios::trunc);
+        file << calibration_json(saved, t);
+        file.close();
+        if (!file) {
+            report_error("calibrate: cannot write '" + options.save_file + "'");
+            return kExitBadData;
+        }
+    }
+    if (options.json) {
+        print_json(options.points_file, saved, t);
+    } else {
+        print_text(options.points_file, saved, t);
+        if (!options.save_file.empty()) {
+            std::cout << "Saved to " << options.save_file << '\n';
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+CommandRunner add_calibrate_command(CLI::App& app) {
+    auto options = std::make_shared<CalibrateOptions>();
+    CLI::App* cmd = app.add_subcommand(
+        "calibrate", "Fit a site calibration to control points (WGS84 and site coordinates) and "
+                     "show its parameters and residuals");
+    cmd->add_option("points", options->points_file,
+                    "Control points, CSV: name,latitude,longitude,height,north,east,elevation,use")
+        ->required();
+    cmd->add_option("--save", options->save_file,
+                    "Write the calibration to this JSON file, for 'qv5 convert'");
+    cmd->add_flag("--json", options->json, "Write JSON");
+    return [options] { return run_calibrate(*options); };
+}
+
+} // namespace qv5::cli

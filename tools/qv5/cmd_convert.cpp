@@ -1,0 +1,198 @@
+// `qv5 convert`: WGS84 to site grid and back through a saved calibration, for positions given as
+// arguments or as CSV on standard input.
+#include "calibration_file.h"
+#include "commands.h"
+#include "number_args.h"
+#include "output.h"
+
+#include "qv5/qv5lib.h"
+
+#include <fmt/format.h>
+
+#include <iostream>
+#include <iterator>
+#include <memory>
+
+namespace qv5::cli {
+namespace {
+
+struct ConvertOptions {
+    std::string calibration_file;
+    std::string to;
+    std::vector<std::string> values;
+    bool json = false;
+};
+
+struct Converted {
+    ConversionInput input;
+    geo_nee grid;
+    geo_llh wgs84;
+};
+
+/// The positions given on the command line, three values each. @return false with every bad
+/// argument reported
+bool read_arguments(const ConvertOptions& options, ConversionTarget target,
+                    std::vector<ConversionInput>& inputs) {
+    const bool to_grid = target == ConversionTarget::grid;
+    const char* names[3] = {to_grid ? "latitude" : "north", to_grid ? "longitude" : "east",
+                            to_grid ? "height" : "elevation"};
+    if (options.values.size() % 3 != 0) {
+        report_error(fmt::format("convert: give {}, {} and {} for each point ({} values given)",
+                                 names[0], names[1], names[2], options.values.size()));
+        return false;
+    }
+    bool ok = true;
+    const std::size_t count = options.values.size() / 3;
+    for (std::size_t k = 0; k < count; ++k) {
+        const std::string suffix = count > 1 ? " " + std::to_string(k + 1) : "";
+        double v[3] = {0.0, 0.0, 0.0};
+        for (std::size_t j = 0; j < 3; ++j) {
+            const std::string& text = options.values[3 * k + j];
+            const std::string name = names[j] + suffix;
+            if (to_grid && j < 2) {
+                std::string why;
+                if (!parse_angle(text, j == 0, v[j], why)) {
+                    report_error("convert: argument '" + name + "': '" + text + "' " + why);
+                    ok = false;
+                }
+            } else if (!parse_number(text, v[j])) {
+                report_error("convert: " + not_a_number(name, text));
+                ok = false;
+            }
+        }
+        inputs.push_back(ConversionInput{std::string(), v[0], v[1], v[2], 0});
+    }
+    return ok;
+}
+
+void print_text(ConversionTarget target, const std::vector<Converted>& results) {
+    if (target == ConversionTarget::grid) {
+        std::cout << fmt::format("{:<12}{:>36}{:>12}{:>16}{:>16}{:>12}\n", "Point",
+                                 "Latitude / Longitude", "Height", "North", "East", "Elevation");
+    } else {
+        std::cout << fmt::format("{:<12}{:>16}{:>16}{:>12}{:>36}{:>12}\n", "Point", "North", "East",
+                                 "Elevation", "Latitude / Longitude", "Height");
+    }
+    for (const Converted& r : results) {
+        const std::string position = dms(r.wgs84.lat, true) + " " + dms(r.wgs84.lon, false);
+        if (target == ConversionTarget::grid) {
+            std::cout << fmt::format("{:<12}{:>36}{:>12}{:>16}{:>16}{:>12}\n", r.input.name,
+                                     position, fixed(r.wgs84.height, 4), fixed(r.grid.north, 4),
+                                     fixed(r.grid.east, 4), fixed(r.grid.elev, 4));
+        } else {
+            std::cout << fmt::format("{:<12}{:>16}{:>16}{:>12}{:>36}{:>12}\n", r.input.name,
+                                     fixed(r.grid.north, 4), fixed(r.grid.east, 4),
+                                     fixed(r.grid.elev, 4), position, fixed(r.wgs84.height, 4));
+        }
+    }
+}
+
+void print_json(const std::string& calibration, ConversionTarget target,
+                const std::vector<Converted>& results) {
+    nlohmann::ordered_json points = nlohmann::ordered_json::array();
+    for (const Converted& r : results) {
+        points.push_back({{"name", r.input.name},
+                          {"latitude_rad", json_number(r.wgs84.lat)},
+                          {"longitude_rad", json_number(r.wgs84.lon)},
+                          {"latitude_deg", json_degrees(r.wgs84.lat)},
+                          {"longitude_deg", json_degrees(r.wgs84.lon)},
+                          {"height", json_number(r.wgs84.height)},
+                          {"north", json_number(r.grid.north)},
+                          {"east", json_number(r.grid.east)},
+                          {"elevation", json_number(r.grid.elev)}});
+    }
+    const nlohmann::ordered_json out = {{"calibration", calibration},
+                                        {"to", target == ConversionTarget::grid ? "grid" : "wgs84"},
+                                        {"points", points}};
+    std::cout << out.dump(2) << '\n';
+}
+
+int run_convert(const ConvertOptions& options) {
+    const ConversionTarget target =
+        options.to == "grid" ? ConversionTarget::grid : ConversionTarget::wgs84;
+    std::vector<ConversionInput> inputs;
+    if (!options.values.empty() && !read_arguments(options, target, inputs)) {
+        return kExitBadArguments;
+    }
+
+    std::string text;
+    if (!read_whole_file(options.calibration_file, text)) {
+        report_error("convert: cannot read calibration '" + options.calibration_file + "'");
+        return kExitBadData;
+    }
+    SavedCalibration saved;
+    std::vector<JobError> errors;
+    if (!parse_calibration_json(text, saved, errors)) {
+        for (const JobError& e : errors) {
+            report_error(options.calibration_file + ": " + e.message);
+        }
+        report_error("convert: calibration rejected");
+        return kExitBadData;
+    }
+    CGeoTransformation transformation;
+    geotrans_Error error = geotrans_NoError;
+    if (!build_calibration(saved, transformation, error)) {
+        report_error("convert: " + options.calibration_file +
+                     ": the calibration cannot be solved with these points");
+        return kExitBadData;
+    }
+
+    if (options.values.empty()) {
+        const std::string input((std::istreambuf_iterator<char>(std::cin)),
+                                std::istreambuf_iterator<char>());
+        if (!parse_conversion_rows(input, target, inputs, errors)) {
+            for (const JobError& e : errors) {
+                report_error("standard input:" + std::to_string(e.line) + ": " + e.message);
+            }
+            report_error("convert: input rejected: " + std::to_string(errors.size()) +
+                         " error(s); nothing was converted");
+            return kExitBadData;
+        }
+    }
+
+    // Through points with the calibration attached, as a host converts them.
+    std::vector<Converted> results;
+    for (const ConversionInput& in : inputs) {
+        CGeoPoint point;
+        point.SetTransformation(transformation);
+        Converted r{in, geo_nee{}, geo_llh{}};
+        if (target == ConversionTarget::grid) {
+            point.SetWGS84(geo_llh{in.a, in.b, in.c});
+            r.grid = point.Grid();
+            r.wgs84 = geo_llh{in.a, in.b, in.c};
+        } else {
+            point.SetGrid(in.a, in.b, in.c);
+            r.grid = geo_nee{in.a, in.b, in.c};
+            r.wgs84 = geo_llh{point.WGS84Lat(), point.WGS84Lon(), point.WGS84Hgt()};
+        }
+        results.push_back(r);
+    }
+    if (options.json) {
+        print_json(options.calibration_file, target, results);
+    } else {
+        print_text(target, results);
+    }
+    return 0;
+}
+
+} // namespace
+
+CommandRunner add_convert_command(CLI::App& app) {
+    auto options = std::make_shared<ConvertOptions>();
+    CLI::App* cmd = app.add_subcommand(
+        "convert", "Convert WGS84 positions to site grid coordinates, or back, through a saved "
+                   "calibration (positions as arguments, or CSV on standard input)");
+    cmd->add_option("--calibration", options->calibration_file,
+                    "Calibration JSON written by 'qv5 calibrate --save'")
+        ->required();
+    cmd->add_option("--to", options->to, "grid (from WGS84) or wgs84 (from grid)")
+        ->required()
+        ->check(CLI::IsMember({"grid", "wgs84"}));
+    cmd->add_option("values", options->values,
+                    "LATITUDE LONGITUDE HEIGHT (to grid) or NORTH EAST ELEVATION (to wgs84), "
+                    "repeated; angles in decimal degrees or D:M:S with N/S/E/W");
+    cmd->add_flag("--json", options->json, "Write JSON");
+    return [options] { return run_convert(*options); };
+}
+
+} // namespace qv5::cli
