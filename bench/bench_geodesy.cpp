@@ -25,7 +25,6 @@
 namespace {
 
 using qv5::bench::kTableSize;
-using qv5::bench::next;
 
 constexpr double kDeg = 0.017453292519943295;
 constexpr double kSiteLat = 52.1 * kDeg;
@@ -137,21 +136,10 @@ std::string chain_pipeline(CGeoTransformation& t) {
            " +s33=1";
 }
 
-template <class Body>
-void cycle(benchmark::State& state, Body body) {
-    std::size_t i = 0;
-    for (auto _ : state) {
-        body(i);
-        i = next(i);
-    }
-}
-
+/// Registers BM_<name> beside PROJ's BM_<name>_Proj.
 template <class Library, class Reference>
 void pair(const std::string& name, Library library, Reference reference) {
-    benchmark::RegisterBenchmark(("BM_" + name).c_str(),
-                                 [library](benchmark::State& state) { cycle(state, library); });
-    benchmark::RegisterBenchmark(("BM_" + name + "_Proj").c_str(),
-                                 [reference](benchmark::State& state) { cycle(state, reference); });
+    qv5::bench::pair(name, library, reference, "_Proj");
 }
 
 void register_all() {

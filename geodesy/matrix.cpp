@@ -75,6 +75,18 @@ void CGeoMatrix::Adopt(double* data, int rows, int cols) {
     m_cols = cols;
 }
 
+template <class Fill>
+void CGeoMatrix::Replace(int rows, int cols, Fill fill) {
+    bool ok = false;
+    double* result = zeroed_buffer(element_count(rows, cols), ok);
+    if (!ok) {
+        Adopt(nullptr, 0, 0); // out of memory: an empty matrix says so
+        return;
+    }
+    fill(result);
+    Adopt(result, rows, cols);
+}
+
 void CGeoMatrix::SetOrder(int rows, int cols) {
     heap_release(m_data);
     m_data = nullptr;
@@ -107,72 +119,54 @@ CGeoMatrix& CGeoMatrix::operator=(CGeoMatrix const& m) {
 }
 
 void CGeoMatrix::Transpose() {
-    bool ok = false;
-    double* result = zeroed_buffer(static_cast<long long>(m_rows) * m_cols, ok);
-    if (!ok) {
-        Adopt(nullptr, 0, 0);
-        return;
-    }
-    for (int r = 0; r < m_rows; ++r) {
-        for (int c = 0; c < m_cols; ++c) {
-            result[r + m_rows * c] = Get(r, c);
+    const int rows = m_rows;
+    const int cols = m_cols;
+    Replace(cols, rows, [&](double* result) {
+        for (int r = 0; r < rows; ++r) {
+            for (int c = 0; c < cols; ++c) {
+                result[r + rows * c] = Get(r, c);
+            }
         }
-    }
-    Adopt(result, m_cols, m_rows);
+    });
 }
 
 CGeoMatrix& CGeoMatrix::operator*=(CGeoMatrix const& m) {
     const int rows = m_rows;
     const int cols = m.m_cols;
-    bool ok = false;
-    double* result = zeroed_buffer(element_count(rows, cols), ok);
-    if (!ok) {
-        Adopt(nullptr, 0, 0);
-        return *this;
-    }
-    for (int i = 0; i < rows; ++i) {
-        for (int j = 0; j < cols; ++j) {
-            double sum = 0.0;
-            for (int k = 0; k < m_cols; ++k) {
-                sum += Get(i, k) * m.Get(k, j);
+    Replace(rows, cols, [&](double* result) {
+        for (int i = 0; i < rows; ++i) {
+            for (int j = 0; j < cols; ++j) {
+                double sum = 0.0;
+                for (int k = 0; k < m_cols; ++k) {
+                    sum += Get(i, k) * m.Get(k, j);
+                }
+                result[j + cols * i] = sum;
             }
-            result[j + cols * i] = sum;
         }
-    }
-    Adopt(result, rows, cols);
+    });
     return *this;
 }
 
 CGeoMatrix& CGeoMatrix::operator+=(CGeoMatrix const& m) {
     const int rows = m_rows;
     const int cols = m.m_cols;
-    bool ok = false;
-    double* result = zeroed_buffer(element_count(rows, cols), ok);
-    if (!ok) {
-        Adopt(nullptr, 0, 0);
-        return *this;
-    }
-    for (int i = 0; i < rows; ++i) {
-        for (int j = 0; j < cols && j < m_cols; ++j) {
-            result[j + cols * i] = m.Get(i, j) + Get(i, j);
+    Replace(rows, cols, [&](double* result) {
+        for (int i = 0; i < rows; ++i) {
+            for (int j = 0; j < cols && j < m_cols; ++j) {
+                result[j + cols * i] = m.Get(i, j) + Get(i, j);
+            }
         }
-    }
-    Adopt(result, rows, cols);
+    });
     return *this;
 }
 
 CGeoMatrix& CGeoMatrix::operator*=(double s) {
     const long long count = static_cast<long long>(m_rows) * m_cols;
-    bool ok = false;
-    double* result = zeroed_buffer(count, ok);
-    if (!ok) {
-        Adopt(nullptr, 0, 0);
-        return *this;
-    }
-    for (long long i = 0; i < count; ++i) {
-        result[i] = m_data[i] * s;
-    }
-    Adopt(result, m_rows, m_cols);
+    Replace(m_rows, m_cols, [&](double* result) {
+        for (long long i = 0; i < count; ++i) {
+            result[i] = m_data[i] * s;
+        }
+    });
     return *this;
 }
 

@@ -249,34 +249,27 @@ void CGeoTransformation::SetDefaultScaleAndRotation(double scale, double rotatio
 }
 
 void CGeoTransformation::GetMaxHResidual(int* index, double* value) {
-    int best_index = -1;
-    double best = GEO_NULL;
-    if (m_calibrated != 0 && m_pointCount > 0) {
-        best = 0.0;
-        for (int i = 0; i < m_pointCount; ++i) {
-            if (uses(m_points[i], geotrans_UseHorizontal) && m_points[i].hResidual > best) {
-                best = m_points[i].hResidual;
-                best_index = i;
-            }
-        }
-    }
-    if (index != nullptr) {
-        *index = best_index;
-    }
-    if (value != nullptr) {
-        *value = best;
-    }
+    LargestResidual(geotrans_UseHorizontal, index, value);
 }
 
 void CGeoTransformation::GetMaxVResidual(int* index, double* value) {
+    LargestResidual(geotrans_UseVertical, index, value);
+}
+
+void CGeoTransformation::LargestResidual(std::uint32_t use, int* index, double* value) const {
     int best_index = -1;
     double best = GEO_NULL;
     if (m_calibrated != 0 && m_pointCount > 0) {
         best = 0.0;
         for (int i = 0; i < m_pointCount; ++i) {
-            if (uses(m_points[i], geotrans_UseVertical) &&
-                std::fabs(m_points[i].vResidual) > best) {
-                best = std::fabs(m_points[i].vResidual);
+            if (!uses(m_points[i], use)) {
+                continue;
+            }
+            // Horizontal residuals are distances; vertical ones are signed and compared by size.
+            const double r = use == geotrans_UseHorizontal ? m_points[i].hResidual
+                                                           : std::fabs(m_points[i].vResidual);
+            if (r > best) { // strictly: the first of equal residuals wins
+                best = r;
                 best_index = i;
             }
         }

@@ -80,6 +80,9 @@ private:
         return index >= 0 && index < static_cast<long long>(m_rows) * m_cols ? index : -1;
     }
     void Adopt(double* data, int rows, int cols);
+    /// Builds a rows x cols result (zeroed, then filled by `fill`) and takes it over.
+    template <class Fill>
+    void Replace(int rows, int cols, Fill fill);
 
     double* m_data;
     int m_rows;

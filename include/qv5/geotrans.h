@@ -187,6 +187,7 @@ protected:
 
 private:
     void CopyFrom(const CGeoTransformation& other);
+    void LargestResidual(std::uint32_t use, int* index, double* value) const;
     bool SeedNameIs(const geotrans_CalibrationPoint& point) const;
 
     CString m_seedName;

@@ -148,12 +148,8 @@ int run_calibrate(const CalibrateOptions& options) {
     SavedCalibration saved;
     std::vector<JobError> errors;
     if (!parse_control_points(text, saved.points, errors)) {
-        for (const JobError& e : errors) {
-            report_error(options.points_file + (e.line > 0 ? ":" + std::to_string(e.line) : "") +
-                         ": " + e.message);
-        }
-        report_error("calibrate: file rejected: " + std::to_string(errors.size()) +
-                     " error(s); nothing was calibrated");
+        report_file_errors(options.points_file, errors,
+                           "calibrate: file rejected, nothing was calibrated");
         return kExitBadData;
     }
     CGeoTransformation t;

@@ -123,10 +123,7 @@ int run_convert(const ConvertOptions& options) {
     SavedCalibration saved;
     std::vector<JobError> errors;
     if (!parse_calibration_json(text, saved, errors)) {
-        for (const JobError& e : errors) {
-            report_error(options.calibration_file + ": " + e.message);
-        }
-        report_error("convert: calibration rejected");
+        report_file_errors(options.calibration_file, errors, "convert: calibration rejected");
         return kExitBadData;
     }
     CGeoTransformation transformation;
@@ -141,11 +138,8 @@ int run_convert(const ConvertOptions& options) {
         const std::string input((std::istreambuf_iterator<char>(std::cin)),
                                 std::istreambuf_iterator<char>());
         if (!parse_conversion_rows(input, target, inputs, errors)) {
-            for (const JobError& e : errors) {
-                report_error("standard input:" + std::to_string(e.line) + ": " + e.message);
-            }
-            report_error("convert: input rejected: " + std::to_string(errors.size()) +
-                         " error(s); nothing was converted");
+            report_file_errors("standard input", errors,
+                               "convert: input rejected, nothing was converted");
             return kExitBadData;
         }
     }

@@ -129,11 +129,7 @@ int run_sample(const SampleOptions& options) {
     Job job;
     std::vector<JobError> errors;
     if (!parse_job(text, job, errors)) {
-        for (const JobError& error : errors) {
-            report_error(path.string() + (error.line > 0 ? ":" + std::to_string(error.line) : "") +
-                         ": " + error.message);
-        }
-        report_error("job rejected: " + std::to_string(errors.size()) + " error(s)");
+        report_file_errors(path.string(), errors, "job rejected");
         return kExitBadData;
     }
 

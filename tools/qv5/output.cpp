@@ -60,4 +60,17 @@ void report_error(const std::string& message) {
     std::cerr << "qv5: " << message << '\n';
 }
 
+void report_file_errors(const std::string& source, const std::vector<JobError>& errors,
+                        const std::string& verdict) {
+    for (const JobError& e : errors) {
+        std::string where = source;
+        if (e.line > 0) {
+            where += ':';
+            where += std::to_string(e.line);
+        }
+        report_error(where + ": " + e.message);
+    }
+    report_error(verdict + ": " + std::to_string(errors.size()) + " error(s)");
+}
+
 } // namespace qv5::cli

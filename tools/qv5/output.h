@@ -2,6 +2,8 @@
 #ifndef QV5_TOOLS_OUTPUT_H
 #define QV5_TOOLS_OUTPUT_H
 
+#include "csv_text.h"
+
 #include <nlohmann/json.hpp>
 
 #include <string>
@@ -30,6 +32,11 @@ std::string dms(double radians, bool latitude);
 
 /// Writes "qv5: MESSAGE" on standard error.
 void report_error(const std::string& message);
+
+/// Writes every problem of a data file, "qv5: SOURCE:LINE: MESSAGE" ("SOURCE: MESSAGE" for a
+/// problem of the file as a whole), then "qv5: VERDICT: N error(s)".
+void report_file_errors(const std::string& source, const std::vector<JobError>& errors,
+                        const std::string& verdict);
 
 } // namespace qv5::cli
 
