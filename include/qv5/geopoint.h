@@ -12,6 +12,10 @@
 class CGeo7PTrans;
 class CGeoTransformation;
 
+namespace qv5::detail {
+struct PointAccess; // the library's own fast path to a point's cached grid
+} // namespace qv5::detail
+
 /// A point known by its grid coordinates, by its WGS84 position, or by an observation from
 /// another point that serves as instrument station; the missing representations are derived on
 /// first request and cached.
@@ -111,6 +115,8 @@ public:
     std::uint64_t Flags() const;
 
 private:
+    friend struct qv5::detail::PointAccess;
+
     double DeriveGrid(double geo_nee::*coordinate);
     double DeriveWgs84(double geo_llh::*coordinate);
 
