@@ -147,6 +147,13 @@ bool starts_continued_value(std::string_view line) {
            rest.back() == '\\';
 }
 
+/// True when a line can carry on a hex list: it starts with a hex digit. Anything else - a blank
+/// line, a section header, the next value - ends the list even after a trailing backslash.
+bool continues_onto(std::string_view line) {
+    const std::string_view s = trim_left(line);
+    return !s.empty() && hex_value(s.front()) >= 0;
+}
+
 bool continues(std::string_view line) {
     const std::string_view rest = trim_right(line);
     return !rest.empty() && rest.back() == '\\';
@@ -382,20 +389,23 @@ RegistryText::Section RegistryText::parse_header(const std::string& line) {
 RegistryText RegistryText::parse(std::string_view bytes) {
     RegistryText result;
     const std::string text = decoded(bytes);
+    // The first line decides the file's line ends; in a CR LF file each line loses one CR.
+    const std::size_t first_end = text.find('\n');
+    const bool crlf =
+        first_end != std::string::npos && first_end > 0 && text[first_end - 1] == '\r';
+    if (crlf) {
+        result.m_line_end = "\r\n";
+    }
     std::vector<std::string> lines;
     std::size_t start = 0;
     while (start < text.size()) {
         std::size_t end = text.find('\n', start);
-        const bool last = end == std::string::npos;
-        if (last) {
+        if (end == std::string::npos) {
             end = text.size();
         }
         std::string line = text.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') {
+        if (crlf && !line.empty() && line.back() == '\r') {
             line.pop_back();
-            if (lines.empty() && !last) {
-                result.m_line_end = "\r\n";
-            }
         }
         lines.push_back(std::move(line));
         start = end + 1;
@@ -424,11 +434,7 @@ RegistryText RegistryText::parse(std::string_view bytes) {
         }
         std::vector<std::string> group{lines[i]};
         bool more = starts_continued_value(lines[i]);
-        for (++i; more && i < lines.size(); ++i) {
-            const std::string_view next = trim(lines[i]);
-            if (!next.empty() && next.front() == '[') {
-                break;
-            }
+        for (++i; more && i < lines.size() && continues_onto(lines[i]); ++i) {
             group.push_back(lines[i]);
             more = continues(lines[i]);
         }
