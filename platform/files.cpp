@@ -221,6 +221,16 @@ bool OutputFile::write(std::string_view bytes) {
     return m_fd >= 0 && write_all(m_fd, bytes);
 }
 
+void OutputFile::add_holder() {
+    m_holders.fetch_add(1, std::memory_order_relaxed);
+}
+
+void OutputFile::drop_holder(OutputFile* file) {
+    if (file != nullptr && file->m_holders.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        delete file;
+    }
+}
+
 void OutputFile::close() {
     const std::lock_guard<std::mutex> guard(m_lock);
     if (m_fd >= 0) {

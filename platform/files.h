@@ -4,6 +4,7 @@
 #ifndef QV5_PLATFORM_FILES_H
 #define QV5_PLATFORM_FILES_H
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <memory>
@@ -79,10 +80,18 @@ public:
     /// Closes the file; later writes do nothing.
     void close();
 
+    /// Shared ownership for holders that copy it (a log file and its copies), counted inside the
+    /// file so that no standard-library control block crosses the library's interface. A file
+    /// released from its unique_ptr has one holder.
+    void add_holder();
+    /// Drops one holder; the last one deletes the file, closing it.
+    static void drop_holder(OutputFile* file);
+
 private:
     explicit OutputFile(int fd) : m_fd(fd) {}
     std::mutex m_lock;
     int m_fd;
+    std::atomic<int> m_holders{1};
 };
 
 } // namespace qv5::detail

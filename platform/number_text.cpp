@@ -17,6 +17,19 @@ constexpr std::size_t kFixedScratch = 1 + 309 + 1 + TextBuilder::kMaxDecimals + 
 /// Exponent digits beyond this value cannot change whether a number overflows.
 constexpr long long kExponentCeiling = 1'000'000'000;
 
+/// Room for the 20 digits of the largest unsigned long long and a sign.
+constexpr std::size_t kIntegerScratch = 24;
+
+/// Writes the decimal digits of `value` backwards, ending just before `end`.
+/// @return where the digits start
+char* write_digits(char* end, unsigned long long value) {
+    do {
+        *--end = static_cast<char>('0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    return end;
+}
+
 bool is_space(char16_t c) {
     return c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r';
 }
@@ -203,16 +216,23 @@ void TextBuilder::put_padded(std::string_view digits, int width, char fill) {
 }
 
 void TextBuilder::put_int(long long value, int zero_width) {
-    char scratch[24];
-    const auto result = std::to_chars(scratch, scratch + sizeof scratch, value);
-    put_padded(std::string_view(scratch, static_cast<std::size_t>(result.ptr - scratch)),
+    char scratch[kIntegerScratch];
+    const bool negative = value < 0;
+    // The magnitude as unsigned: -LLONG_MIN does not fit a long long.
+    const unsigned long long magnitude = negative ? 0ULL - static_cast<unsigned long long>(value)
+                                                  : static_cast<unsigned long long>(value);
+    char* first = write_digits(scratch + sizeof scratch, magnitude);
+    if (negative) {
+        *--first = '-';
+    }
+    put_padded(std::string_view(first, static_cast<std::size_t>(scratch + sizeof scratch - first)),
                zero_width, '0');
 }
 
 void TextBuilder::put_unsigned(unsigned long long value) {
-    char scratch[24];
-    const auto result = std::to_chars(scratch, scratch + sizeof scratch, value);
-    put(std::string_view(scratch, static_cast<std::size_t>(result.ptr - scratch)));
+    char scratch[kIntegerScratch];
+    const char* first = write_digits(scratch + sizeof scratch, value);
+    put(std::string_view(first, static_cast<std::size_t>(scratch + sizeof scratch - first)));
 }
 
 void TextBuilder::put_fixed(double value, int decimals, int zero_width) {

@@ -24,15 +24,20 @@ constexpr std::size_t kDwordDigits = 8;
 /// First code unit that the file can hold on a line (the C0 controls are refused).
 constexpr char16_t kFirstPrintable = 0x20;
 
+/// Blanks around a line's content; a CR is one, for lines of a mixed-ends file.
+bool is_blank(char c) {
+    return c == ' ' || c == '\t' || c == '\r';
+}
+
 std::string_view trim_left(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) {
+    while (!s.empty() && is_blank(s.front())) {
         s.remove_prefix(1);
     }
     return s;
 }
 
 std::string_view trim_right(std::string_view s) {
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) {
+    while (!s.empty() && is_blank(s.back())) {
         s.remove_suffix(1);
     }
     return s;

@@ -60,7 +60,7 @@ private:
 /// Runs one writer: nothing while closed (tested before the lock is taken), else the text that
 /// `compose` returns and `newLines` line ends, in one write under the lock.
 template <class Compose>
-void logged(std::atomic<int>& open, std::mutex& lock, const std::shared_ptr<OutputFile>& file,
+void logged(std::atomic<int>& open, std::mutex& lock, OutputFile* const& file,
             unsigned short newLines, Compose compose) {
     if (open.load() == 0) {
         return;
@@ -83,7 +83,8 @@ void logged(std::atomic<int>& open, std::mutex& lock, const std::shared_ptr<Outp
 
 } // namespace
 
-CLogFile::CLogFile(CQuantityUnits* units) : m_open(0), m_buffer{}, m_announce(0), m_units(units) {
+CLogFile::CLogFile(CQuantityUnits* units)
+    : m_file(nullptr), m_open(0), m_buffer{}, m_announce(0), m_units(units) {
     try {
         for (const std::string& folder : log_folders()) {
             make_folders(folder);
@@ -93,9 +94,13 @@ CLogFile::CLogFile(CQuantityUnits* units) : m_open(0), m_buffer{}, m_announce(0)
     }
 }
 
-CLogFile::CLogFile(const CLogFile& other) : m_open(0), m_buffer{}, m_announce(0), m_units(nullptr) {
+CLogFile::CLogFile(const CLogFile& other)
+    : m_file(nullptr), m_open(0), m_buffer{}, m_announce(0), m_units(nullptr) {
     const std::lock_guard<std::mutex> guard(other.m_lock);
     m_file = other.m_file;
+    if (m_file != nullptr) {
+        m_file->add_holder();
+    }
     m_open.store(other.m_open.load());
     std::memcpy(m_buffer, other.m_buffer, sizeof m_buffer);
     m_announce = other.m_announce;
@@ -103,34 +108,49 @@ CLogFile::CLogFile(const CLogFile& other) : m_open(0), m_buffer{}, m_announce(0)
 }
 
 CLogFile& CLogFile::operator=(const CLogFile& other) {
-    if (this != &other) {
-        const std::scoped_lock guard(m_lock, other.m_lock);
-        m_file = other.m_file;
-        m_open.store(other.m_open.load());
-        std::memcpy(m_buffer, other.m_buffer, sizeof m_buffer);
-        m_announce = other.m_announce;
-        m_units = other.m_units;
+    if (this == &other) {
+        return *this;
     }
+    // Both locks, always taken in the same (address) order so two opposite assignments cannot
+    // deadlock.
+    std::mutex& first = this < &other ? m_lock : other.m_lock;
+    std::mutex& second = this < &other ? other.m_lock : m_lock;
+    const std::lock_guard<std::mutex> guard_first(first);
+    const std::lock_guard<std::mutex> guard_second(second);
+    if (other.m_file != nullptr) {
+        other.m_file->add_holder();
+    }
+    OutputFile::drop_holder(m_file);
+    m_file = other.m_file;
+    m_open.store(other.m_open.load());
+    std::memcpy(m_buffer, other.m_buffer, sizeof m_buffer);
+    m_announce = other.m_announce;
+    m_units = other.m_units;
     return *this;
 }
 
-CLogFile::~CLogFile() = default;
+CLogFile::~CLogFile() {
+    // The file is not closed for the log's sake (no "Logging disabled"); the last holder of it
+    // lets the descriptor go.
+    OutputFile::drop_holder(m_file);
+}
 
 int CLogFile::Open(const unsigned short* path, int truncate, int announce) {
     const std::lock_guard<std::mutex> guard(m_lock);
     // A log opened again lets go of its previous file without a word, as a handle overwritten
     // would.
-    m_file.reset();
+    OutputFile::drop_holder(m_file);
+    m_file = nullptr;
     m_open.store(0);
     if (path == nullptr) {
         return 0;
     }
     try {
-        std::shared_ptr<OutputFile> file = OutputFile::open(CString(path).ToUtf8(), truncate != 0);
+        std::unique_ptr<OutputFile> file = OutputFile::open(CString(path).ToUtf8(), truncate != 0);
         if (file == nullptr) {
             return 0;
         }
-        m_file = std::move(file);
+        m_file = file.release();
         m_open.store(1);
         m_announce = announce;
         if (announce != 0) {
@@ -156,7 +176,8 @@ void CLogFile::Close() {
         }
         m_file->close();
     }
-    m_file.reset();
+    OutputFile::drop_holder(m_file);
+    m_file = nullptr;
     m_open.store(0);
 }
 

@@ -8,7 +8,6 @@
 #include "qv5/units.h"
 
 #include <atomic>
-#include <memory>
 #include <mutex>
 
 namespace qv5::detail {
@@ -80,9 +79,9 @@ public:
 
 private:
     mutable std::mutex m_lock;
-    std::shared_ptr<qv5::detail::OutputFile> m_file; ///< null when closed
-    std::atomic<int> m_open;                         ///< m_file is set: read before the lock
-    char m_buffer[101];                              ///< the fragment SBText writes
+    qv5::detail::OutputFile* m_file; ///< shared with copies; null when closed
+    std::atomic<int> m_open;         ///< m_file is set: read before the lock
+    char m_buffer[101];              ///< the fragment SBText writes
     int m_announce;
     CQuantityUnits* m_units;
 };
