@@ -220,67 +220,77 @@ const ScratchStore& store() {
     return scratch;
 }
 
-void BM_CQuantityUnits_Construct(benchmark::State& state) {
-    store();
+/// Runs `prepare`, then times `measured` alone on the wall clock, then runs `finish`, once per
+/// iteration: a constructor or destructor is timed without its counterpart.
+template <class Prepare, class Measured, class Finish>
+void timed_alone(benchmark::State& state, Prepare prepare, Measured measured, Finish finish) {
     for (auto _ : state) {
+        auto subject = prepare();
         const auto start = std::chrono::steady_clock::now();
-        auto* units = new CQuantityUnits(CString(kKey));
+        subject = measured(subject);
         const auto stop = std::chrono::steady_clock::now();
-        benchmark::DoNotOptimize(units->Bearings());
-        delete units;
+        finish(subject);
         state.SetIterationTime(std::chrono::duration<double>(stop - start).count());
     }
 }
+
+CQuantityUnits* nothing() {
+    return nullptr;
+}
+
+CQuantityUnits* made() {
+    return new CQuantityUnits(CString(kKey));
+}
+
+CQuantityUnits* destroyed(CQuantityUnits* units) {
+    delete units;
+    return nullptr;
+}
+
+CQuantityUnits* kept(CQuantityUnits* units) {
+    return units;
+}
+
+void BM_CQuantityUnits_Construct(benchmark::State& state) {
+    store();
+    timed_alone(
+        state, nothing, [](CQuantityUnits*) { return made(); }, destroyed);
+}
 BENCHMARK(BM_CQuantityUnits_Construct)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
+/// The baseline of construction and destruction: the settings file read whole.
 void BM_CQuantityUnits_Construct_Bare(benchmark::State& state) {
     const std::string& path = store().path();
-    for (auto _ : state) {
-        const auto start = std::chrono::steady_clock::now();
-        benchmark::DoNotOptimize(bare_read_store(path));
-        const auto stop = std::chrono::steady_clock::now();
-        state.SetIterationTime(std::chrono::duration<double>(stop - start).count());
-    }
+    timed_alone(
+        state, nothing,
+        [&path](CQuantityUnits* u) {
+            benchmark::DoNotOptimize(bare_read_store(path));
+            return u;
+        },
+        kept);
 }
 BENCHMARK(BM_CQuantityUnits_Construct_Bare)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 /// Destruction writes the choices back; they are as stored, so the file is read and left.
 void BM_CQuantityUnits_Destroy(benchmark::State& state) {
     store();
-    for (auto _ : state) {
-        auto* units = new CQuantityUnits(CString(kKey));
-        const auto start = std::chrono::steady_clock::now();
-        delete units;
-        const auto stop = std::chrono::steady_clock::now();
-        state.SetIterationTime(std::chrono::duration<double>(stop - start).count());
-    }
+    timed_alone(state, made, destroyed, kept);
 }
 BENCHMARK(BM_CQuantityUnits_Destroy)->UseManualTime()->Unit(benchmark::kMicrosecond);
-
-void BM_CQuantityUnits_Destroy_Bare(benchmark::State& state) {
-    const std::string& path = store().path();
-    for (auto _ : state) {
-        const auto start = std::chrono::steady_clock::now();
-        benchmark::DoNotOptimize(bare_read_store(path));
-        const auto stop = std::chrono::steady_clock::now();
-        state.SetIterationTime(std::chrono::duration<double>(stop - start).count());
-    }
-}
-BENCHMARK(BM_CQuantityUnits_Destroy_Bare)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 /// Destruction after a change: the file is locked, rewritten, flushed to disk and renamed.
 void BM_CQuantityUnits_DestroyChanged(benchmark::State& state) {
     store();
     int bearings = 0;
-    for (auto _ : state) {
-        auto* units = new CQuantityUnits(CString(kKey));
-        bearings = (bearings + 1) % 4;
-        units->SetBearings(bearings);
-        const auto start = std::chrono::steady_clock::now();
-        delete units;
-        const auto stop = std::chrono::steady_clock::now();
-        state.SetIterationTime(std::chrono::duration<double>(stop - start).count());
-    }
+    timed_alone(
+        state,
+        [&bearings] {
+            CQuantityUnits* units = made();
+            bearings = (bearings + 1) % 4;
+            units->SetBearings(bearings);
+            return units;
+        },
+        destroyed, kept);
 }
 BENCHMARK(BM_CQuantityUnits_DestroyChanged)->UseManualTime()->Unit(benchmark::kMicrosecond);
 

@@ -6,7 +6,8 @@ import sys
 
 # Benchmarks whose baseline is not simply <name>_Bare: name -> baseline name.
 BASELINES = {
-    "BM_CQuantityUnits_DestroyChanged": "BM_CQuantityUnits_Destroy_Bare",
+    "BM_CQuantityUnits_Destroy": "BM_CQuantityUnits_Construct_Bare",
+    "BM_CQuantityUnits_DestroyChanged": "BM_CQuantityUnits_Construct_Bare",
 }
 
 # Nanoseconds per time unit of a benchmark's report.

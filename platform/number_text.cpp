@@ -68,6 +68,30 @@ std::size_t digit_run(std::u16string_view text, std::size_t pos, bool hex) {
     return n;
 }
 
+/// Where a mantissa starting at `start` ends - digits, an optional point, digits, then an
+/// optional exponent ('e', or 'p' for hexadecimal, an optional sign and decimal digits, taken
+/// only when digits follow) - or 0 when it has no digits at all.
+std::size_t mantissa_and_exponent(std::u16string_view text, std::size_t start, bool hex) {
+    const std::size_t whole = digit_run(text, start, hex);
+    const bool point = start + whole < text.size() && text[start + whole] == u'.';
+    const std::size_t fraction = point ? digit_run(text, start + whole + 1, hex) : 0;
+    if (whole + fraction == 0) {
+        return 0;
+    }
+    std::size_t end = start + whole + (point ? 1 + fraction : 0);
+    if (end < text.size() && lower(text[end]) == (hex ? u'p' : u'e')) {
+        std::size_t e = end + 1;
+        if (e < text.size() && (text[e] == u'+' || text[e] == u'-')) {
+            ++e;
+        }
+        const std::size_t exponent = digit_run(text, e, false);
+        if (exponent > 0) {
+            end = e + exponent;
+        }
+    }
+    return end;
+}
+
 /// Length of the longest prefix of `text` (which follows the sign) that strtod would take as
 /// the body of a number, and whether it is hexadecimal (the "0x" included in the length).
 std::size_t number_body(std::u16string_view text, bool& hex) {
@@ -94,46 +118,15 @@ std::size_t number_body(std::u16string_view text, bool& hex) {
         }
         return n;
     }
-    std::size_t pos = 0;
     if (text.size() >= 2 && text[0] == u'0' && lower(text[1]) == u'x') {
-        const std::size_t whole = digit_run(text, 2, true);
-        const bool point = 2 + whole < text.size() && text[2 + whole] == u'.';
-        const std::size_t fraction = point ? digit_run(text, 3 + whole, true) : 0;
-        if (whole + fraction > 0) {
+        const std::size_t end = mantissa_and_exponent(text, 2, true);
+        if (end > 0) {
             hex = true;
-            pos = 2 + whole + (point ? 1 + fraction : 0);
-            if (pos < text.size() && lower(text[pos]) == u'p') {
-                std::size_t e = pos + 1;
-                if (e < text.size() && (text[e] == u'+' || text[e] == u'-')) {
-                    ++e;
-                }
-                const std::size_t exponent = digit_run(text, e, false);
-                if (exponent > 0) {
-                    pos = e + exponent;
-                }
-            }
-            return pos;
+            return end;
         }
         return 1; // "0x" without hexadecimal digits reads as the number 0
     }
-    const std::size_t whole = digit_run(text, 0, false);
-    const bool point = whole < text.size() && text[whole] == u'.';
-    const std::size_t fraction = point ? digit_run(text, whole + 1, false) : 0;
-    if (whole + fraction == 0) {
-        return 0;
-    }
-    pos = whole + (point ? 1 + fraction : 0);
-    if (pos < text.size() && lower(text[pos]) == u'e') {
-        std::size_t e = pos + 1;
-        if (e < text.size() && (text[e] == u'+' || text[e] == u'-')) {
-            ++e;
-        }
-        const std::size_t exponent = digit_run(text, e, false);
-        if (exponent > 0) {
-            pos = e + exponent;
-        }
-    }
-    return pos;
+    return mantissa_and_exponent(text, 0, false);
 }
 
 /// For a number from_chars found out of range: true when it is too large rather than too small.
