@@ -159,6 +159,7 @@ TEST(FormatStationing, PlainStyleIsTheHorizontalDistance) {
 
 TEST(FormatStationing, FeetStationsCarryTheFootMark) {
     EXPECT_EQ(station(units_USSurveyFeet, units_Station1Plus00, 1000.0, 2), u"32+80.83'");
+    EXPECT_EQ(station(units_USSurveyFeet, units_Station1Plus00, 1234.5, 3), u"40+50.189'");
 }
 
 TEST(FormatStationing, FieldWidthFollowsTheDecimals) {
