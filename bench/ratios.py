@@ -5,8 +5,10 @@ import json
 import sys
 
 # Benchmarks whose baseline is not simply <name>_Bare: name -> baseline name.
-# The geodesy (bench_geodesy) is timed beside PROJ doing the same work.
 BASELINES = {
+    "BM_CQuantityUnits_Destroy": "BM_CQuantityUnits_Construct_Bare",
+    "BM_CQuantityUnits_DestroyChanged": "BM_CQuantityUnits_Construct_Bare",
+    # The geodesy (bench_geodesy) is timed beside PROJ doing the same work.
     "BM_llh2xyz": "BM_llh2xyz_Proj",
     "BM_xyz2llh": "BM_xyz2llh_Proj",
     "BM_CGeoStereographic_Forward": "BM_CGeoStereographic_Forward_Proj",
@@ -15,6 +17,11 @@ BASELINES = {
     "BM_CGeoTransformation_Forward": "BM_CGeoTransformation_Forward_Proj",
     "BM_CGeoTransformation_Reverse": "BM_CGeoTransformation_Reverse_Proj",
 }
+
+# Nanoseconds per time unit of a benchmark's report.
+NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+# Suffix of benchmarks that time themselves (UseManualTime): their real time is the figure.
+MANUAL = "/manual_time"
 
 
 def main(path):
@@ -25,7 +32,11 @@ def main(path):
         if b.get("run_type", "iteration") == "aggregate" and b.get("aggregate_name") != "median":
             continue
         name = b.get("run_name", b["name"])
-        times[name] = b["cpu_time"]
+        manual = name.endswith(MANUAL)
+        if manual:
+            name = name[: -len(MANUAL)]
+        scale = NANOSECONDS[b.get("time_unit", "ns")]
+        times[name] = (b["real_time"] if manual else b["cpu_time"]) * scale
     print("| Call | ns/call | Baseline | ns/call | Ratio |")
     print("|---|---:|---|---:|---:|")
     for name, t in times.items():
