@@ -4,46 +4,34 @@
 // similarity (scale 1.000045, rotation 0.0123 rad) and plane (height shift -43.21 m, slopes
 // 2.5e-5 north and -1.75e-5 east), rounded to millimetres; the millimetre rounding over a few
 // kilometres leaves the solved parameters within about 1e-6 (relative) of the known ones.
-#include "run_program.h"
+#include "qv5_program.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
-using qv5::test::run_program;
+using qv5::test::ScratchFolder;
 
 const std::string kSample = std::string(QV5_SAMPLE_DATA_DIR) + "/sample-calibration.csv";
 
 qv5::test::ProgramResult qv5(const std::vector<std::string>& args, const std::string& input = {}) {
-    return run_program(QV5_CLI_PATH, args, {}, input);
+    return qv5::test::run_qv5(args, {}, input);
 }
 
-/// A file in a fresh temporary folder, removed with the test.
+/// A file in a fresh scratch folder, removed with the test.
 class TempFile {
 public:
-    explicit TempFile(const std::string& name) {
-        char pattern[] = "/tmp/qv5-cli-XXXXXX";
-        m_dir = mkdtemp(pattern) != nullptr ? pattern : "/tmp";
-        m_path = m_dir + "/" + name;
-    }
-    TempFile(const TempFile&) = delete;
-    TempFile& operator=(const TempFile&) = delete;
-    ~TempFile() {
-        std::remove(m_path.c_str());
-        rmdir(m_dir.c_str());
-    }
+    explicit TempFile(const std::string& name) : m_path(m_scratch.file(name)) {}
     const std::string& path() const { return m_path; }
-    void write(const std::string& text) const { std::ofstream(m_path) << text; }
+    void write(const std::string& text) const { qv5::test::write_file(m_path, text); }
 
 private:
-    std::string m_dir;
+    ScratchFolder m_scratch;
     std::string m_path;
 };
 
@@ -95,6 +83,13 @@ TEST(QV5Calibrate, TextReportNamesEveryPointAndTheLargestResiduals) {
     EXPECT_NE(r.out.find("Largest horizontal residual"), std::string::npos);
     EXPECT_NE(r.out.find("Largest vertical residual"), std::string::npos);
     EXPECT_NE(r.out.find("stereographic (oblique)"), std::string::npos);
+    // The centre in the user's units: 52.0987 N 5.2149167 E, US survey feet by default.
+    EXPECT_NE(r.out.find("N52\u00b005'55.32000\""), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("US Survey feet"), std::string::npos) << r.out;
+    const auto raw = qv5({"calibrate", kSample, "--raw"});
+    ASSERT_EQ(raw.exit_code, 0) << raw.err;
+    EXPECT_NE(raw.out.find("North 451000.6043 m"), std::string::npos) << raw.out;
+    EXPECT_NE(raw.out.find("Metres and radians."), std::string::npos) << raw.out;
 }
 
 TEST(QV5Calibrate, SavedCalibrationConvertsTheCheckPointToItsKnownCoordinates) {
@@ -144,15 +139,46 @@ TEST(QV5Convert, ReadsNamedPositionsFromStandardInput) {
     EXPECT_TRUE(doc["points"][1]["elevation"].is_null()); // no height given
 }
 
-TEST(QV5Convert, TextOutputShowsDegreesMinutesAndSeconds) {
+TEST(QV5Convert, TextOutputIsInTheUsersUnits) {
     TempFile saved("site.json");
     ASSERT_EQ(qv5({"calibrate", kSample, "--save", saved.path()}).exit_code, 0);
     const auto c =
         qv5({"convert", "--calibration", saved.path(), "--to", "grid", "52.1", "5.21", "45"});
     ASSERT_EQ(c.exit_code, 0) << c.err;
-    EXPECT_NE(c.out.find("52\u00b006'00.00000\"N 5\u00b012'36.00000\"E"), std::string::npos)
-        << c.out;
+    // The library's latitude and longitude texts, and US survey feet by default:
+    // 451148.801 m = 1480144.02 ft (x 3937/1200).
+    EXPECT_NE(c.out.find("N52\u00b006'00.00000\""), std::string::npos) << c.out;
+    EXPECT_NE(c.out.find("E05\u00b012'36.00000\""), std::string::npos) << c.out;
+    EXPECT_NE(c.out.find("1480144.02'"), std::string::npos) << c.out;
+    EXPECT_NE(c.out.find("US Survey feet"), std::string::npos) << c.out;
+}
+
+TEST(QV5Convert, RawOutputIsInMetresAndRadians) {
+    TempFile saved("site.json");
+    ASSERT_EQ(qv5({"calibrate", kSample, "--save", saved.path()}).exit_code, 0);
+    const auto c = qv5(
+        {"convert", "--calibration", saved.path(), "--to", "grid", "52.1", "5.21", "45", "--raw"});
+    ASSERT_EQ(c.exit_code, 0) << c.err;
     EXPECT_NE(c.out.find("451148.80"), std::string::npos) << c.out;
+    EXPECT_NE(c.out.find("0.90931654029 rad"), std::string::npos) << c.out; // 52.1 degrees
+    EXPECT_NE(c.out.find("Metres and radians."), std::string::npos) << c.out;
+}
+
+TEST(QV5Convert, JsonCarriesFormattedTextsAndUnitsUnlessRaw) {
+    TempFile saved("site.json");
+    ASSERT_EQ(qv5({"calibrate", kSample, "--save", saved.path()}).exit_code, 0);
+    const auto c = qv5(
+        {"convert", "--calibration", saved.path(), "--to", "grid", "52.1", "5.21", "45", "--json"});
+    ASSERT_EQ(c.exit_code, 0) << c.err;
+    const auto doc = nlohmann::json::parse(c.out);
+    EXPECT_EQ(doc["units"]["horizontal-distance"], "us-survey-feet");
+    EXPECT_EQ(doc["points"][0]["formatted"]["north"], "1480144.02'");
+    const auto raw = qv5({"convert", "--calibration", saved.path(), "--to", "grid", "52.1", "5.21",
+                          "45", "--json", "--raw"});
+    const auto raw_doc = nlohmann::json::parse(raw.out);
+    EXPECT_FALSE(raw_doc.contains("units"));
+    EXPECT_FALSE(raw_doc["points"][0].contains("formatted"));
+    EXPECT_EQ(raw_doc["points"][0]["north"], doc["points"][0]["north"]);
 }
 
 TEST(QV5Calibrate, BadRowsAreReportedWithTheirLinesAndTheFileRejected) {

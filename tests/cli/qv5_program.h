@@ -23,11 +23,13 @@ inline std::string program_registry() {
     return scratch.file(name + ".reg");
 }
 
-/// Runs qv5 with `args`, its settings store in this process's scratch folder.
+/// Runs qv5 with `args` (and `input` as its standard input), its settings store in this
+/// process's scratch folder.
 inline ProgramResult run_qv5(const std::vector<std::string>& args,
-                             std::vector<std::string> environment = {}) {
+                             std::vector<std::string> environment = {},
+                             const std::string& input = {}) {
     environment.insert(environment.begin(), "QV5_REGISTRY=" + program_registry());
-    return run_program(QV5_CLI_PATH, args, environment);
+    return run_program(QV5_CLI_PATH, args, environment, input);
 }
 
 } // namespace qv5::test

@@ -3,6 +3,7 @@
 #include "calibration_file.h"
 #include "commands.h"
 #include "output.h"
+#include "units_output.h"
 
 #include "qv5/qv5lib.h"
 
@@ -19,6 +20,7 @@ struct CalibrateOptions {
     std::string points_file;
     std::string save_file;
     bool json = false;
+    bool raw = false;
 };
 
 const char* region_name(CGeoStereographic::stereo_Region region) {
@@ -52,62 +54,77 @@ int count_use(const std::vector<ControlPoint>& points, std::uint32_t bit) {
     return n;
 }
 
-void print_text(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t) {
-    constexpr double kDegreesPerRadian = 57.29577951308232;
+/// A plan position in the user's coordinate order: "North 1476.54'  East 433.07'".
+std::string plan_text(const DisplayUnits& show, double north, double east, int raw_decimals) {
+    const auto p = show.position(geo_nee{north, east, GEO_NULL}, raw_decimals);
+    return p[0].first + " " + p[0].second + "  " + p[1].first + " " + p[1].second;
+}
+
+std::string largest_text(int index, const SavedCalibration& saved, const std::string& shown) {
+    return index >= 0 ? saved.points[static_cast<std::size_t>(index)].name + "  " + shown
+                      : std::string("none");
+}
+
+void print_text(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t,
+                const DisplayUnits& show) {
     std::cout << fmt::format("Calibration from {}: {} points ({} horizontal, {} vertical)\n\n",
                              source, saved.points.size(),
                              count_use(saved.points, geotrans_UseHorizontal),
                              count_use(saved.points, geotrans_UseVertical));
-    std::cout << fmt::format("Projection     stereographic ({}) on WGS84, scale 1, centred on\n"
-                             "               {} {}  ({} {} degrees)\n",
-                             region_name(t.ProjectionType()), dms(t.OriginLat(), true),
-                             dms(t.OriginLon(), false), degrees(t.OriginLat(), 9),
-                             degrees(t.OriginLon(), 9));
-    std::cout << fmt::format("False origin   N {}  E {}\n", fixed(t.OriginNorth(), 4),
-                             fixed(t.OriginEast(), 4));
-    std::cout << fmt::format("Horizontal     scale {}  rotation {} rad ({} degrees)\n",
-                             fixed(t.HorizontalScale(), 9), fixed(t.HorizontalRotation(), 9),
-                             fixed(t.HorizontalRotation() * kDegreesPerRadian, 7));
-    std::cout << fmt::format("Vertical       height shift {} m  slope north {} m/m  slope east "
-                             "{} m/m\n\n",
-                             fixed(t.VerticalHeightAdjustment(), 4),
+    std::cout << fmt::format("Projection     stereographic ({}) on WGS84, scale 1, centred on "
+                             "{} {}\n",
+                             region_name(t.ProjectionType()), show.latitude(t.OriginLat(), 11),
+                             show.longitude(t.OriginLon(), 11));
+    std::cout << fmt::format("Centre         {}\n",
+                             plan_text(show, t.OriginNorth(), t.OriginEast(), 4));
+    std::cout << fmt::format("Horizontal     scale {}  rotation {}\n",
+                             fixed(t.HorizontalScale(), 9), show.angle(t.HorizontalRotation(), 9));
+    std::cout << fmt::format("Vertical       height shift {}  slope north {}  slope east {} "
+                             "(metres per metre)\n\n",
+                             show.height(t.VerticalHeightAdjustment(), 4),
                              fixed(t.VerticalSlopeNorth(), 8), fixed(t.VerticalSlopeEast(), 8));
     std::cout << fmt::format("{:<16}{:>6}{:>16}{:>16}\n", "Point", "Use", "H residual",
                              "V residual");
     for (int i = 0; i < t.NumberOfPoints(); ++i) {
         const geotrans_CalibrationPoint* p = t.NthPoint(i);
-        std::cout << fmt::format("{:<16}{:>6}{:>16}{:>16}\n", saved.points[i].name,
-                                 use_text(p->flags), fixed(p->hResidual, 4),
-                                 fixed(p->vResidual, 4));
+        std::cout << fmt::format("{:<16}{:>6}{:>16}{:>16}\n",
+                                 saved.points[static_cast<std::size_t>(i)].name, use_text(p->flags),
+                                 show.distance(p->hResidual, 4), show.height(p->vResidual, 4));
     }
     int index = -1;
     double value = GEO_NULL;
     t.GetMaxHResidual(&index, &value);
     std::cout << fmt::format("\nLargest horizontal residual  {}\n",
-                             index >= 0 ? saved.points[index].name + "  " + fixed(value, 4) + " m"
-                                        : std::string("none"));
+                             largest_text(index, saved, show.distance(value, 4)));
     t.GetMaxVResidual(&index, &value);
     std::cout << fmt::format("Largest vertical residual    {}\n",
-                             index >= 0 ? saved.points[index].name + "  " + fixed(value, 4) + " m"
-                                        : std::string("none"));
+                             largest_text(index, saved, show.height(value, 4)));
     std::cout << "\nHorizontal residual: plan distance between the computed and the known "
-                 "position. Vertical\nresidual: known minus computed elevation. Metres.\n";
+                 "position. Vertical\nresidual: known minus computed elevation.\n"
+              << show.legend() << '\n';
 }
 
 nlohmann::ordered_json largest(int index, double value, const SavedCalibration& saved) {
     if (index < 0) {
         return nullptr;
     }
-    return {{"name", saved.points[index].name}, {"value", json_number(value)}};
+    return {{"name", saved.points[static_cast<std::size_t>(index)].name},
+            {"value", json_number(value)}};
 }
 
-void print_json(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t) {
+void print_json(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t,
+                const DisplayUnits& show) {
     nlohmann::ordered_json residuals = nlohmann::ordered_json::array();
     for (int i = 0; i < t.NumberOfPoints(); ++i) {
         const geotrans_CalibrationPoint* p = t.NthPoint(i);
-        residuals.push_back({{"name", saved.points[i].name},
-                             {"horizontal", json_number(p->hResidual)},
-                             {"vertical", json_number(p->vResidual)}});
+        nlohmann::ordered_json row = {{"name", saved.points[static_cast<std::size_t>(i)].name},
+                                      {"horizontal", json_number(p->hResidual)},
+                                      {"vertical", json_number(p->vResidual)}};
+        if (!show.raw()) {
+            row["formatted"] = {{"horizontal", show.distance(p->hResidual, 4)},
+                                {"vertical", show.height(p->vResidual, 4)}};
+        }
+        residuals.push_back(row);
     }
     int h_index = -1;
     double h_value = GEO_NULL;
@@ -115,7 +132,7 @@ void print_json(const std::string& source, const SavedCalibration& saved, CGeoTr
     int v_index = -1;
     double v_value = GEO_NULL;
     t.GetMaxVResidual(&v_index, &v_value);
-    const nlohmann::ordered_json out = {
+    nlohmann::ordered_json out = {
         {"source", source},
         {"points", saved.points.size()},
         {"horizontal_points", count_use(saved.points, geotrans_UseHorizontal)},
@@ -136,6 +153,16 @@ void print_json(const std::string& source, const SavedCalibration& saved, CGeoTr
         {"residuals", residuals},
         {"largest_horizontal", largest(h_index, h_value, saved)},
         {"largest_vertical", largest(v_index, v_value, saved)}};
+    if (!show.raw()) {
+        out["projection"]["formatted"] = {{"origin_latitude", show.latitude(t.OriginLat(), 11)},
+                                          {"origin_longitude", show.longitude(t.OriginLon(), 11)},
+                                          {"origin_north", show.distance(t.OriginNorth(), 4)},
+                                          {"origin_east", show.distance(t.OriginEast(), 4)}};
+        out["horizontal"]["formatted"] = {{"rotation", show.angle(t.HorizontalRotation(), 9)}};
+        out["vertical"]["formatted"] = {
+            {"height_shift", show.height(t.VerticalHeightAdjustment(), 4)}};
+        out["units"] = show.description();
+    }
     std::cout << out.dump(2) << '\n';
 }
 
@@ -170,10 +197,11 @@ int run_calibrate(const CalibrateOptions& options) {
             return kExitBadData;
         }
     }
+    const DisplayUnits show(options.raw);
     if (options.json) {
-        print_json(options.points_file, saved, t);
+        print_json(options.points_file, saved, t, show);
     } else {
-        print_text(options.points_file, saved, t);
+        print_text(options.points_file, saved, t, show);
         if (!options.save_file.empty()) {
             std::cout << "Saved to " << options.save_file << '\n';
         }
@@ -194,6 +222,7 @@ CommandRunner add_calibrate_command(CLI::App& app) {
     cmd->add_option("--save", options->save_file,
                     "Write the calibration to this JSON file, for 'qv5 convert'");
     cmd->add_flag("--json", options->json, "Write JSON");
+    add_raw_flag(*cmd, options->raw);
     return [options] { return run_calibrate(*options); };
 }
 

@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "number_args.h"
 #include "output.h"
+#include "units_output.h"
 
 #include "qv5/qv5lib.h"
 
@@ -21,6 +22,7 @@ struct ConvertOptions {
     std::string to;
     std::vector<std::string> values;
     bool json = false;
+    bool raw = false;
 };
 
 struct Converted {
@@ -65,45 +67,60 @@ bool read_arguments(const ConvertOptions& options, ConversionTarget target,
     return ok;
 }
 
-void print_text(ConversionTarget target, const std::vector<Converted>& results) {
-    if (target == ConversionTarget::grid) {
-        std::cout << fmt::format("{:<12}{:>36}{:>12}{:>16}{:>16}{:>12}\n", "Point",
-                                 "Latitude / Longitude", "Height", "North", "East", "Elevation");
-    } else {
-        std::cout << fmt::format("{:<12}{:>16}{:>16}{:>12}{:>36}{:>12}\n", "Point", "North", "East",
-                                 "Elevation", "Latitude / Longitude", "Height");
-    }
+void print_text(ConversionTarget target, const std::vector<Converted>& results,
+                const DisplayUnits& show) {
+    // Headings in the user's coordinate order.
+    const auto heads = show.position(geo_nee{0.0, 0.0, 0.0}, 4);
+    const std::string grid_heads =
+        fmt::format("{:>16}{:>16}{:>12}", heads[0].first, heads[1].first, heads[2].first);
+    const std::string wgs84_heads =
+        fmt::format("{:>20}{:>20}{:>12}", "Latitude", "Longitude", "Height");
+    std::cout << fmt::format("{:<12}", "Point")
+              << (target == ConversionTarget::grid ? wgs84_heads + grid_heads
+                                                   : grid_heads + wgs84_heads)
+              << '\n';
     for (const Converted& r : results) {
-        const std::string position = dms(r.wgs84.lat, true) + " " + dms(r.wgs84.lon, false);
-        if (target == ConversionTarget::grid) {
-            std::cout << fmt::format("{:<12}{:>36}{:>12}{:>16}{:>16}{:>12}\n", r.input.name,
-                                     position, fixed(r.wgs84.height, 4), fixed(r.grid.north, 4),
-                                     fixed(r.grid.east, 4), fixed(r.grid.elev, 4));
-        } else {
-            std::cout << fmt::format("{:<12}{:>16}{:>16}{:>12}{:>36}{:>12}\n", r.input.name,
-                                     fixed(r.grid.north, 4), fixed(r.grid.east, 4),
-                                     fixed(r.grid.elev, 4), position, fixed(r.wgs84.height, 4));
-        }
+        const auto g = show.position(r.grid, 4);
+        const std::string grid =
+            fmt::format("{:>16}{:>16}{:>12}", g[0].second, g[1].second, g[2].second);
+        const std::string wgs84 =
+            fmt::format("{:>20}{:>20}{:>12}", show.latitude(r.wgs84.lat, 11),
+                        show.longitude(r.wgs84.lon, 11), show.height(r.wgs84.height, 4));
+        std::cout << fmt::format("{:<12}", r.input.name)
+                  << (target == ConversionTarget::grid ? wgs84 + grid : grid + wgs84) << '\n';
     }
+    std::cout << show.legend() << '\n';
 }
 
 void print_json(const std::string& calibration, ConversionTarget target,
-                const std::vector<Converted>& results) {
+                const std::vector<Converted>& results, const DisplayUnits& show) {
     nlohmann::ordered_json points = nlohmann::ordered_json::array();
     for (const Converted& r : results) {
-        points.push_back({{"name", r.input.name},
-                          {"latitude_rad", json_number(r.wgs84.lat)},
-                          {"longitude_rad", json_number(r.wgs84.lon)},
-                          {"latitude_deg", json_degrees(r.wgs84.lat)},
-                          {"longitude_deg", json_degrees(r.wgs84.lon)},
-                          {"height", json_number(r.wgs84.height)},
-                          {"north", json_number(r.grid.north)},
-                          {"east", json_number(r.grid.east)},
-                          {"elevation", json_number(r.grid.elev)}});
+        nlohmann::ordered_json point = {{"name", r.input.name},
+                                        {"latitude_rad", json_number(r.wgs84.lat)},
+                                        {"longitude_rad", json_number(r.wgs84.lon)},
+                                        {"latitude_deg", json_degrees(r.wgs84.lat)},
+                                        {"longitude_deg", json_degrees(r.wgs84.lon)},
+                                        {"height", json_number(r.wgs84.height)},
+                                        {"north", json_number(r.grid.north)},
+                                        {"east", json_number(r.grid.east)},
+                                        {"elevation", json_number(r.grid.elev)}};
+        if (!show.raw()) {
+            point["formatted"] = {{"latitude", show.latitude(r.wgs84.lat, 11)},
+                                  {"longitude", show.longitude(r.wgs84.lon, 11)},
+                                  {"height", show.height(r.wgs84.height, 4)},
+                                  {"north", show.distance(r.grid.north, 4)},
+                                  {"east", show.distance(r.grid.east, 4)},
+                                  {"elevation", show.height(r.grid.elev, 4)}};
+        }
+        points.push_back(point);
     }
-    const nlohmann::ordered_json out = {{"calibration", calibration},
-                                        {"to", target == ConversionTarget::grid ? "grid" : "wgs84"},
-                                        {"points", points}};
+    nlohmann::ordered_json out = {{"calibration", calibration},
+                                  {"to", target == ConversionTarget::grid ? "grid" : "wgs84"},
+                                  {"points", points}};
+    if (!show.raw()) {
+        out["units"] = show.description();
+    }
     std::cout << out.dump(2) << '\n';
 }
 
@@ -161,10 +178,11 @@ int run_convert(const ConvertOptions& options) {
         }
         results.push_back(r);
     }
+    const DisplayUnits show(options.raw);
     if (options.json) {
-        print_json(options.calibration_file, target, results);
+        print_json(options.calibration_file, target, results, show);
     } else {
-        print_text(target, results);
+        print_text(target, results, show);
     }
     return 0;
 }
@@ -186,6 +204,7 @@ CommandRunner add_convert_command(CLI::App& app) {
                     "LATITUDE LONGITUDE HEIGHT (to grid) or NORTH EAST ELEVATION (to wgs84), "
                     "repeated; angles in decimal degrees or D:M:S with N/S/E/W");
     cmd->add_flag("--json", options->json, "Write JSON");
+    add_raw_flag(*cmd, options->raw);
     return [options] { return run_convert(*options); };
 }
 

@@ -23,13 +23,6 @@ nlohmann::json json_number(double value);
 /// An angle in radians as decimal degrees for JSON output, or null for `GEO_NULL`.
 nlohmann::json json_degrees(double radians);
 
-/// An angle in decimal degrees with a fixed number of decimals; "-" for `GEO_NULL`.
-std::string degrees(double radians, int decimals);
-
-/// A latitude or longitude as degrees, minutes and seconds with a hemisphere letter
-/// (52°05'55.32000"N); "-" for `GEO_NULL`.
-std::string dms(double radians, bool latitude);
-
 /// Writes "qv5: MESSAGE" on standard error.
 void report_error(const std::string& message);
 

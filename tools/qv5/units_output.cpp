@@ -177,6 +177,29 @@ std::string DisplayUnits::grade(double radians, int raw_decimals) const {
     });
 }
 
+std::string DisplayUnits::angle(double radians, int raw_decimals) const {
+    if (raw()) {
+        return radians == GEO_NULL ? "-" : fixed(radians, raw_decimals) + " rad";
+    }
+    return formatted(radians, [&](unsigned short* b) { return m_units->FormatHAngle(radians, b); });
+}
+
+std::string DisplayUnits::latitude(double radians, int raw_decimals) const {
+    if (raw()) {
+        return radians == GEO_NULL ? "-" : fixed(radians, raw_decimals) + " rad";
+    }
+    return formatted(radians,
+                     [&](unsigned short* b) { return m_units->FormatLatitude(radians, b); });
+}
+
+std::string DisplayUnits::longitude(double radians, int raw_decimals) const {
+    if (raw()) {
+        return radians == GEO_NULL ? "-" : fixed(radians, raw_decimals) + " rad";
+    }
+    return formatted(radians,
+                     [&](unsigned short* b) { return m_units->FormatLongitude(radians, b); });
+}
+
 std::array<std::pair<std::string, std::string>, 3> DisplayUnits::position(const geo_nee& point,
                                                                           int raw_decimals) const {
     if (raw()) {

@@ -82,6 +82,10 @@ public:
     std::string station(double metres, int raw_decimals) const;  ///< "12+34.57'"
     std::string bearing(double radians, int raw_decimals) const; ///< "36°52'12\""
     std::string grade(double radians, int raw_decimals) const;   ///< "1.440%"
+    std::string angle(double radians, int raw_decimals) const;   ///< "0°42'17\"", angle units
+    /// WGS84 latitude and longitude: "N52°05'55.32000\"" and "E5°12'53.70000\"" (raw: radians).
+    std::string latitude(double radians, int raw_decimals) const;
+    std::string longitude(double radians, int raw_decimals) const;
     /// The labels and texts of a grid position in the user's coordinate order (raw: north,
     /// east, elevation), e.g. {"North", "16404.17'"}.
     std::array<std::pair<std::string, std::string>, 3> position(const geo_nee& point,
