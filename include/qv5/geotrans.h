@@ -32,7 +32,7 @@ struct geotrans_CalibrationPoint {
     unsigned short name[100];
     geo_llh llh;         ///< WGS84 latitude, longitude (radians), ellipsoidal height (metres)
     geo_nee nee;         ///< known site north, east, elevation (metres)
-    double hResidual;    ///< plan distance computed - known; `GEO_NULL` when not computed
+    double hResidual;    ///< plan distance computed to known; `GEO_NULL` when not computed
     double vResidual;    ///< known elevation - computed (signed); `GEO_NULL` when not computed
     std::uint32_t flags; ///< geotrans_UseHorizontal | geotrans_UseVertical; other bits ignored
 };
@@ -158,10 +158,14 @@ public:
     double DefaultScale();
     /// The stored default rotation, radians.
     double DefaultRotation();
-    /// Extents of the known site coordinates of all points (0.0 when no point has an easting).
+    /// Smallest known site easting of all points, as of the last recomputation (all four
+    /// extents are 0.0 when no point has an easting).
     double MinEasting();
+    /// Largest known site easting of all points.
     double MaxEasting();
+    /// Smallest known site northing of all points.
     double MinNorthing();
+    /// Largest known site northing of all points.
     double MaxNorthing();
 
     /// Resets, adds each of `other`'s points in order (recomputing each time), and only then
