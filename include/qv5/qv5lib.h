@@ -5,11 +5,14 @@
 #define QV5_QV5LIB_H
 
 #include "qv5/export.h"
+#include "qv5/geoarc.h"
 #include "qv5/geoarray.h"
 #include "qv5/geodef.h"
 #include "qv5/geoline.h"
 #include "qv5/geopoint.h"
+#include "qv5/geospiral.h"
 #include "qv5/geosurvey.h"
+#include "qv5/geovert.h"
 #include "qv5/hostfw.h"
 
 #endif // QV5_QV5LIB_H
