@@ -196,11 +196,16 @@ CGeoPoint& CGeoArc::CentrePt() {
     return CentreToStart().StartPt();
 }
 
-bool CGeoArc::HasCentre() {
+bool CGeoArc::Circle(ArcCircle& circle) {
     // Test the points, not the line's azimuth: a line whose azimuth derivation failed reports
     // GEO_NULL once and its stale cache afterwards.
     CGeoLine& radial = CentreToStart();
-    return radial.StartPt().Ok2DGrid() != 0 && radial.EndPt().Ok2DGrid() != 0;
+    const geo_nee& centre = radial.StartPt().Grid();
+    if (!has_plan(centre) || !has_plan(radial.EndPt().Grid())) {
+        return false;
+    }
+    circle = ArcCircle{centre, radial.GridAzimuth(), m_radius};
+    return true;
 }
 
 double CGeoArc::EntryAzimuth() {
@@ -209,11 +214,12 @@ double CGeoArc::EntryAzimuth() {
     }
     // The centre is derived before the bit is set: with the bit set it would be derived from
     // this (not yet known) azimuth.
-    const bool has_centre = HasCentre();
+    ArcCircle circle;
+    const bool has_centre = Circle(circle);
     m_known |= KNOWN_ENTRY_AZIMUTH;
     m_entryAzimuth = GEO_NULL;
     if (has_centre) {
-        const double radial = m_centreToStart.GridAzimuth();
+        const double radial = circle.start_radial;
         m_entryAzimuth =
             normalised_bearing(Direction() == geodef_Right ? radial + kHalfPi : radial - kHalfPi);
     }
@@ -244,12 +250,11 @@ double CGeoArc::GridAzimuth(double distance) {
 
 void CGeoArc::GridHorzPoint(double distance, CGeoPoint& result) {
     const double angle = geo_arc_length_to_angle(distance, Radius());
-    if (angle == GEO_NULL || !HasCentre()) {
+    ArcCircle circle;
+    if (angle == GEO_NULL || !Circle(circle)) {
         return;
     }
     // The stored direction is read as it stands here, not through Direction().
-    const ArcCircle circle{m_centreToStart.StartPt().Grid(), m_centreToStart.GridAzimuth(),
-                           m_radius};
     const double radial = arc_radial_azimuth(circle, angle, m_direction == geodef_Right);
     const geo_nee grid = level_step(circle.centre, radial, circle.radius);
     result = m_centreToStart.StartPt();
@@ -257,12 +262,11 @@ void CGeoArc::GridHorzPoint(double distance, CGeoPoint& result) {
 }
 
 void CGeoArc::GridHorzPointByAngle(double angle, CGeoPoint& result) {
-    if (!HasCentre()) {
+    ArcCircle circle;
+    if (!Circle(circle)) {
         result.SetGrid(kNullGrid);
         return;
     }
-    const ArcCircle circle{m_centreToStart.StartPt().Grid(), m_centreToStart.GridAzimuth(),
-                           m_radius};
     const double radial = arc_radial_azimuth(circle, angle, Direction() == geodef_Right);
     geo_nee grid;
     geo_grid_follow(circle.centre, radial, circle.radius, 0.0, grid);
@@ -275,11 +279,10 @@ void CGeoArc::GridDeltas(CGeoPoint& point, double& station, double& offset, doub
     azimuth = GEO_NULL;
     geo_nee p;
     point.GetGrid(p);
-    if (!has_plan(p) || !HasCentre()) {
+    ArcCircle circle;
+    if (!has_plan(p) || !Circle(circle)) {
         return;
     }
-    const ArcCircle circle{m_centreToStart.StartPt().Grid(), m_centreToStart.GridAzimuth(),
-                           Radius()};
     const ArcDeltas deltas = arc_deltas(circle, Angle(), EntryAzimuth(), Direction(), p);
     station = deltas.station;
     offset = deltas.offset;

@@ -32,33 +32,64 @@ double spiral_azimuth(const SpiralShape& shape, double station) {
                                         : shape.tangent_azimuth - deflection);
 }
 
-bool spiral_point(const SpiralShape& shape, double station, double tolerance, geo_nee& out) {
-    if (!has_plan(shape.straight_end) || shape.tangent_azimuth == GEO_NULL) {
+namespace {
+
+/// Azimuth of the step along the straight from its end towards the point's foot: forwards from
+/// an entry spiral's start, backwards from an exit spiral's end.
+double along_azimuth(const SpiralShape& shape) {
+    return shape.kind == SpiralKind::Entry ? shape.tangent_azimuth
+                                           : normalised_bearing(shape.tangent_azimuth + kPi);
+}
+
+} // namespace
+
+SpiralLayout::SpiralLayout(const SpiralShape& shape)
+    : m_shape(shape), m_along(along_azimuth(shape), false),
+      m_across(shape.tangent_azimuth + kHalfPi, !shape.turns_right) {}
+
+bool SpiralLayout::point(double station, double tolerance, geo_nee& out) {
+    if (!has_plan(m_shape.straight_end) || m_shape.tangent_azimuth == GEO_NULL) {
         return false;
     }
     double x = 0.0;
     double y = 0.0;
-    if (!clothoid_deltas(distance_from_straight(shape, station), shape.spiral_constant, tolerance,
-                         x, y)) {
+    if (!clothoid_deltas(distance_from_straight(m_shape, station), m_shape.spiral_constant,
+                         tolerance, x, y)) {
         return false;
     }
-    const double along = shape.kind == SpiralKind::Entry
-                             ? shape.tangent_azimuth
-                             : normalised_bearing(shape.tangent_azimuth + kPi);
-    const geo_nee foot = level_step(shape.straight_end, along, x);
-    if (!shape.turns_right) {
+    const geo_nee foot = m_along.step(m_shape.straight_end, x);
+    if (!m_shape.turns_right) {
         y = -y;
     }
-    out = level_step(foot, shape.tangent_azimuth + kHalfPi, y);
+    out = m_across.step(foot, y);
     return true;
 }
 
-ProjectionStep spiral_projection_step(const SpiralShape& shape, const geo_nee& point,
-                                      double tolerance, double& station, double& offset,
-                                      double& azimuth) {
-    azimuth = spiral_azimuth(shape, station);
+bool spiral_point(const SpiralShape& shape, double station, double tolerance, geo_nee& out) {
+    SpiralLayout layout(shape);
+    return layout.point(station, tolerance, out);
+}
+
+namespace {
+
+/// True when a chord that deviates from the normal by `deviation` is square to the tangent
+/// within the angle atan(ratio) that the tolerance subtends over the chord.
+///
+/// atan(r) <= r for r >= 0, and a faithfully rounded atan cannot round above r, which is itself
+/// a double; so a deviation of at least r is never within atan(r). Only a smaller deviation needs
+/// the arctangent, and the answer is the same either way. Steps that move on (all but the last)
+/// are spared an arctangent.
+bool square_within(double deviation, double ratio) {
+    return deviation < ratio && deviation < std::atan(ratio);
+}
+
+} // namespace
+
+ProjectionStep spiral_projection_step(SpiralLayout& layout, const geo_nee& point, double tolerance,
+                                      double& station, double& offset, double& azimuth) {
+    azimuth = spiral_azimuth(layout.shape(), station);
     geo_nee on_spiral;
-    if (azimuth == GEO_NULL || !spiral_point(shape, station, tolerance, on_spiral)) {
+    if (azimuth == GEO_NULL || !layout.point(station, tolerance, on_spiral)) {
         return ProjectionStep::Failed;
     }
     const double dn = point.north - on_spiral.north;
@@ -69,11 +100,11 @@ ProjectionStep spiral_projection_step(const SpiralShape& shape, const geo_nee& p
         return ProjectionStep::Converged;
     }
     // Square to the tangent within the angle the tolerance subtends over the chord.
-    const double square = std::atan(tolerance / chord);
+    const double ratio = tolerance / chord;
     const double chord_azimuth = bearing_of(dn, de);
     if (normalised_bearing(chord_azimuth - azimuth) > kPi) {
         const double normal = normalised_bearing(azimuth - kHalfPi);
-        if (std::fabs(divergence(normal, chord_azimuth)) < square) {
+        if (square_within(std::fabs(divergence(normal, chord_azimuth)), ratio)) {
             offset = -chord;
             return ProjectionStep::Converged;
         }
@@ -81,7 +112,7 @@ ProjectionStep spiral_projection_step(const SpiralShape& shape, const geo_nee& p
         station = station + std::sin(normalised_bearing(normal - chord_azimuth)) * chord * (-0.5);
     } else {
         const double normal = normalised_bearing(azimuth + kHalfPi);
-        if (std::fabs(divergence(normal, chord_azimuth)) < square) {
+        if (square_within(std::fabs(divergence(normal, chord_azimuth)), ratio)) {
             offset = chord;
             return ProjectionStep::Converged;
         }
@@ -376,8 +407,9 @@ struct Spiral {
         azimuth = GEO_NULL;
         geo_nee p;
         point.GetGrid(p);
-        const SpiralShape spiral = shape(s);
-        if (!has_plan(p) || spiral.length == GEO_NULL) {
+        SpiralLayout spiral(shape(s));
+        const double length = spiral.shape().length;
+        if (!has_plan(p) || length == GEO_NULL) {
             return;
         }
         Deltas found{GEO_NULL, GEO_NULL, GEO_NULL};
@@ -392,13 +424,13 @@ struct Spiral {
                 done = c == Continuation::Found;
                 s_try = 0.0;
             }
-            if (!done && s_try > spiral.length) {
+            if (!done && s_try > length) {
                 const Continuation c = beyond_end(s, point, found);
                 if (c == Continuation::Failed) {
                     return;
                 }
                 done = c == Continuation::Found;
-                s_try = spiral.length;
+                s_try = length;
             }
             if (done) {
                 break;

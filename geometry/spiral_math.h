@@ -3,6 +3,7 @@
 #ifndef QV5_GEOMETRY_SPIRAL_MATH_H
 #define QV5_GEOMETRY_SPIRAL_MATH_H
 
+#include "geometry/traverse.h"
 #include "qv5/geodef.h"
 
 namespace qv5::detail {
@@ -24,6 +25,24 @@ struct SpiralShape {
     double length;          ///< L, metres
     double spiral_constant; ///< C = 2 R L
     bool turns_right;       ///< the direction is not `geodef_Left`
+};
+
+/// A spiral shape with the two directions its points are stepped along (along the straight,
+/// and square off it), whose sines and cosines are worked out once for all the points asked of
+/// it.
+class SpiralLayout {
+public:
+    explicit SpiralLayout(const SpiralShape& shape);
+
+    const SpiralShape& shape() const { return m_shape; }
+
+    /// Point at a station in [0, L]: as spiral_point.
+    bool point(double station, double tolerance, geo_nee& out);
+
+private:
+    SpiralShape m_shape;
+    LevelStepper m_along;
+    LevelStepper m_across;
 };
 
 /// Distance from the straight end of the spiral to the point at `station` from its start.
@@ -60,9 +79,8 @@ enum class ProjectionStep {
 /// @param[out] offset on Converged: the chord length, negative to the left (0 when the point
 ///        lies within `tolerance` of the spiral point)
 /// @param[out] azimuth the tangent azimuth at the station tried
-ProjectionStep spiral_projection_step(const SpiralShape& shape, const geo_nee& point,
-                                      double tolerance, double& station, double& offset,
-                                      double& azimuth);
+ProjectionStep spiral_projection_step(SpiralLayout& layout, const geo_nee& point, double tolerance,
+                                      double& station, double& offset, double& azimuth);
 
 } // namespace qv5::detail
 

@@ -10,22 +10,56 @@
 
 namespace qv5::detail {
 
-/// The end point that CGeoLine::Set(start, azimuth, distance, 0) gives: a level step in plan.
-/// A negative distance runs the reversed azimuth (grade -0), as the line does, so that elements
-/// built from such steps agree with lines to the last bit. The start's coordinates are used as
-/// numbers: the caller tests them for `GEO_NULL` first. A `GEO_NULL` elevation stays `GEO_NULL`.
-inline geo_nee level_step(const geo_nee& start, double azimuth, double distance) {
-    double grade = 0.0;
-    if (distance < 0.0) {
-        distance = std::fabs(distance);
-        azimuth = normalised_bearing(azimuth + kPi);
-        grade = -grade;
+/// Level steps in plan along one azimuth, as CGeoLine::Set(start, azimuth, distance, 0) makes
+/// them: a negative distance runs the reversed azimuth (grade -0), as the line does, so that
+/// elements built from such steps agree with lines to the last bit. The sine and cosine of the
+/// sense the caller expects to step in are worked out once, so that an iteration stepping
+/// along the same azimuth again and again pays for them once; a step the other way works its
+/// own out.
+class LevelStepper {
+public:
+    /// @param backwards whether the steps are expected to have negative distances
+    LevelStepper(double azimuth, bool backwards) : m_azimuth(azimuth), m_backwards(backwards) {
+        sense(backwards, m_cos, m_sin);
     }
-    geo_nee end;
-    end.north = start.north + std::cos(azimuth) * distance;
-    end.east = start.east + std::sin(azimuth) * distance;
-    end.elev = start.elev == GEO_NULL ? GEO_NULL : start.elev + std::tan(grade) * distance;
-    return end;
+
+    /// The end of a step of `distance` from `start`. The start's coordinates are used as
+    /// numbers (the caller tests them for `GEO_NULL`); a `GEO_NULL` elevation stays `GEO_NULL`.
+    geo_nee step(const geo_nee& start, double distance) const {
+        const bool backwards = distance < 0.0;
+        double c = m_cos;
+        double s = m_sin;
+        if (backwards != m_backwards) {
+            sense(backwards, c, s);
+        }
+        // The line's grade is 0 forwards and -0 backwards; tan keeps the sign of a zero.
+        const double tan_grade = backwards ? -0.0 : 0.0;
+        if (backwards) {
+            distance = std::fabs(distance);
+        }
+        geo_nee end;
+        end.north = start.north + c * distance;
+        end.east = start.east + s * distance;
+        end.elev = start.elev == GEO_NULL ? GEO_NULL : start.elev + tan_grade * distance;
+        return end;
+    }
+
+private:
+    void sense(bool backwards, double& c, double& s) const {
+        const double azimuth = backwards ? normalised_bearing(m_azimuth + kPi) : m_azimuth;
+        c = std::cos(azimuth);
+        s = std::sin(azimuth);
+    }
+
+    double m_azimuth;
+    bool m_backwards;
+    double m_cos = 0.0;
+    double m_sin = 0.0;
+};
+
+/// One level step: the end point that CGeoLine::Set(start, azimuth, distance, 0) gives.
+inline geo_nee level_step(const geo_nee& start, double azimuth, double distance) {
+    return LevelStepper(azimuth, distance < 0.0).step(start, distance);
 }
 
 /// True when both plan coordinates are set.

@@ -10,6 +10,10 @@
 
 #include <cstdint>
 
+namespace qv5::detail {
+struct ArcCircle;
+} // namespace qv5::detail
+
 /// A circular arc, defined either by its two end points, radius, central angle and direction,
 /// or by its start point, entry azimuth, radius, arc length and direction.
 ///
@@ -106,7 +110,7 @@ private:
     };
 
     void DeriveCentre();
-    bool HasCentre();
+    bool Circle(qv5::detail::ArcCircle& circle);
 
     CGeoPoint m_startPt;
     CGeoPoint m_endPt;

@@ -1,6 +1,8 @@
 // The plain maths under the spirals: azimuth and position along the clothoid, and one step of
 // the projection of a point onto it.
+#include "geometry/clothoid.h"
 #include "geometry/spiral_math.h"
+#include "geometry/traverse.h"
 
 #include <gtest/gtest.h>
 
@@ -11,17 +13,27 @@ namespace {
 using qv5::detail::ProjectionStep;
 using qv5::detail::spiral_azimuth;
 using qv5::detail::spiral_point;
-using qv5::detail::spiral_projection_step;
 using qv5::detail::SpiralKind;
+using qv5::detail::SpiralLayout;
 using qv5::detail::SpiralShape;
 
+constexpr double kPi = 3.141592653589793;
 constexpr double kTwoPi = 6.283185307179586;
+constexpr double kHalfPi = 1.5707963267948966;
 
 /// A spiral that is for every practical purpose a straight northwards, with station s at
 /// northing s.
 SpiralShape straightish(SpiralKind kind) {
     const geo_nee straight_end{kind == SpiralKind::Entry ? 0.0 : 100.0, 0.0, 0.0};
     return SpiralShape{kind, straight_end, 0.0, 100.0, 2e11, true};
+}
+
+/// One projection step on a freshly laid-out spiral.
+ProjectionStep spiral_projection_step(const SpiralShape& shape, const geo_nee& point,
+                                      double tolerance, double& station, double& offset,
+                                      double& azimuth) {
+    SpiralLayout layout(shape);
+    return qv5::detail::spiral_projection_step(layout, point, tolerance, station, offset, azimuth);
 }
 
 TEST(SpiralMath, AzimuthTurnsTowardsTheCurveFromTheStraightEnd) {
@@ -116,6 +128,31 @@ TEST(SpiralMath, PointWithinTheToleranceOfTheSpiralHasZeroOffset) {
                                      station, offset, azimuth),
               ProjectionStep::Converged);
     EXPECT_EQ(offset, 0.0);
+}
+
+TEST(SpiralMath, LayoutStepsAgreeWithSingleLevelSteps) {
+    // The layout works out the sines and cosines of its two directions once; the points it
+    // gives are those of the one-off steps to the last bit, for both senses of a step.
+    for (bool right : {true, false}) {
+        const SpiralShape shape{SpiralKind::Exit, {512.25, -77.5, 3.0}, 5.9, 80.0, 48000.0, right};
+        SpiralLayout layout(shape);
+        for (double s : {0.0, 13.0, 41.5, 80.0}) {
+            geo_nee a{};
+            geo_nee b{};
+            ASSERT_TRUE(layout.point(s, 1e-7, a));
+            ASSERT_TRUE(spiral_point(shape, s, 1e-7, b));
+            EXPECT_EQ(a.north, b.north);
+            EXPECT_EQ(a.east, b.east);
+            double x = 0.0;
+            double y = 0.0;
+            ASSERT_TRUE(qv5::detail::clothoid_deltas(80.0 - s, 48000.0, 1e-7, x, y));
+            const geo_nee foot = qv5::detail::level_step(shape.straight_end, 5.9 + kPi - kTwoPi, x);
+            const geo_nee c = qv5::detail::level_step(foot, 5.9 + kHalfPi, right ? y : -y);
+            EXPECT_EQ(a.north, c.north);
+            EXPECT_EQ(a.east, c.east);
+            EXPECT_EQ(a.elev, 3.0);
+        }
+    }
 }
 
 TEST(SpiralMath, StepFailsWhereTheSpiralHasNoPoint) {
