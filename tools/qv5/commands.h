@@ -18,6 +18,8 @@ CommandRunner add_sample_command(CLI::App& app);
 CommandRunner add_inverse_command(CLI::App& app);
 /// `follow`: the point at a bearing, distance and gradient from a start.
 CommandRunner add_follow_command(CLI::App& app);
+/// `element`: one line, arc or spiral evaluated at a station and offset, or inverted for a point.
+CommandRunner add_element_command(CLI::App& app);
 
 } // namespace qv5::cli
 

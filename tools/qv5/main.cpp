@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
     const CommandRunner sample = add_sample_command(app);
     const CommandRunner inverse = add_inverse_command(app);
     const CommandRunner follow = add_follow_command(app);
+    const CommandRunner element = add_element_command(app);
 
     try {
         app.parse(argc, argv);
@@ -36,6 +37,9 @@ int main(int argc, char** argv) {
         }
         if (app.got_subcommand("follow")) {
             return follow();
+        }
+        if (app.got_subcommand("element")) {
+            return element();
         }
         return sample();
     } catch (const std::exception& e) {
