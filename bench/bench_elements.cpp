@@ -5,7 +5,7 @@
 // written here as a plain function the compiler may not inline. The spiral's GridDeltas is
 // compared with one GridHorzPoint of the same spiral (BASELINES in bench/ratios.py): that is the
 // unit its iteration is built from.
-#include "bench_inputs.h"
+#include "bench_support.h"
 
 #include "qv5/qv5lib.h"
 
@@ -15,17 +15,9 @@
 #include <cmath>
 #include <string>
 
-#define QV5_BARE [[gnu::noinline]]
-
 namespace {
 
-using qv5::bench::inputs;
-using qv5::bench::kTableSize;
-using qv5::bench::next;
-
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kPi = 3.141592653589793;
-constexpr double kHalfPi = 1.5707963267948966;
+using namespace qv5::bench;
 
 /// Series tolerance used throughout, metres (the library's own for spiral end points).
 constexpr double kTolerance = 1e-5;
@@ -36,25 +28,6 @@ constexpr double kLength = 120.0;
 constexpr double kConstant = 2.0 * kRadius * kLength;
 constexpr double kAzimuth = 0.6;
 const geo_nee kStart{5000.0, 3000.0, 100.0};
-
-template <class Body>
-void cycle(benchmark::State& state, Body body) {
-    std::size_t i = 0;
-    for (auto _ : state) {
-        body(i);
-        i = next(i);
-    }
-}
-
-inline double bare_normalise(double b) {
-    while (b >= kTwoPi) {
-        b -= kTwoPi;
-    }
-    while (b < 0.0) {
-        b += kTwoPi;
-    }
-    return b;
-}
 
 // ---- the bare maths ------------------------------------------------------------------------
 
@@ -148,20 +121,6 @@ Walk walk_at(double offset) {
         walk.previous[i] = s - 0.1;
     }
     return walk;
-}
-
-template <class Library, class Bare>
-void pair(const std::string& name, Library library, Bare bare) {
-    benchmark::RegisterBenchmark(("BM_" + name).c_str(),
-                                 [library](benchmark::State& state) { cycle(state, library); });
-    benchmark::RegisterBenchmark(("BM_" + name + "_Bare").c_str(),
-                                 [bare](benchmark::State& state) { cycle(state, bare); });
-}
-
-template <class Library>
-void single(const std::string& name, Library library) {
-    benchmark::RegisterBenchmark(("BM_" + name).c_str(),
-                                 [library](benchmark::State& state) { cycle(state, library); });
 }
 
 void register_all() {

@@ -4,7 +4,7 @@
 // a plain function that the compiler may not inline, so that both sides pay for one call and
 // the ratio shows what the library adds (null handling, caches, normalisation, the call into a
 // shared library). bench/ratios.py turns a JSON run into the table of docs/performance.md.
-#include "bench_inputs.h"
+#include "bench_support.h"
 
 #include "qv5/qv5lib.h"
 
@@ -13,36 +13,9 @@
 #include <cmath>
 #include <string>
 
-#define QV5_BARE [[gnu::noinline]]
-
 namespace {
 
-using qv5::bench::inputs;
-using qv5::bench::next;
-
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kPi = 3.141592653589793;
-constexpr double kHalfPi = 1.5707963267948966;
-
-/// Runs `body(i)` once per iteration with i cycling through the input tables.
-template <class Body>
-void cycle(benchmark::State& state, Body body) {
-    std::size_t i = 0;
-    for (auto _ : state) {
-        body(i);
-        i = next(i);
-    }
-}
-
-inline double bare_normalise(double b) {
-    while (b >= kTwoPi) {
-        b -= kTwoPi;
-    }
-    while (b < 0.0) {
-        b += kTwoPi;
-    }
-    return b;
-}
+using namespace qv5::bench;
 
 // ---- the bare maths ------------------------------------------------------------------------
 
@@ -211,15 +184,6 @@ QV5_BARE void bare_horz_offset_point(const geo_nee& a, const geo_nee& b, double 
 }
 
 // ---- benchmarks ----------------------------------------------------------------------------
-
-/// Registers BM_<name> and BM_<name>_Bare; each body takes the input index.
-template <class Library, class Bare>
-void pair(const std::string& name, Library library, Bare bare) {
-    benchmark::RegisterBenchmark(("BM_" + name).c_str(),
-                                 [library](benchmark::State& state) { cycle(state, library); });
-    benchmark::RegisterBenchmark(("BM_" + name + "_Bare").c_str(),
-                                 [bare](benchmark::State& state) { cycle(state, bare); });
-}
 
 void register_all() {
     const auto& in = inputs();

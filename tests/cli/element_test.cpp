@@ -2,6 +2,8 @@
 // point, as a surveyor types it.
 #include "run_program.h"
 
+#include "support/clothoid_reference.h"
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -104,22 +106,6 @@ TEST(QV5Element, PointWithoutElevationHasNone) {
     EXPECT_NE(r.out.find("Elevation  -\n"), std::string::npos) << r.out;
 }
 
-/// The clothoid by Simpson's rule, independent of the library's series.
-void integrated(double l, double c, double& x, double& y) {
-    constexpr int kPanels = 20000;
-    const double h = l / kPanels;
-    double sx = 0.0;
-    double sy = 0.0;
-    for (int i = 0; i <= kPanels; ++i) {
-        const double u = i * h;
-        const double w = (i == 0 || i == kPanels) ? 1.0 : (i % 2 == 1 ? 4.0 : 2.0);
-        sx += w * std::cos(u * u / c);
-        sy += w * std::sin(u * u / c);
-    }
-    x = sx * h / 3.0;
-    y = sy * h / 3.0;
-}
-
 TEST(QV5Element, EntrySpiralPointAgreesWithTheIntegratedClothoid) {
     // Left-turning, radius 300, length 120 from the origin heading east; station 80.
     const auto doc =
@@ -127,7 +113,7 @@ TEST(QV5Element, EntrySpiralPointAgreesWithTheIntegratedClothoid) {
                  "--radius", "300", "--length", "120", "--direction", "L", "--at", "80", "--json"});
     double x = 0.0;
     double y = 0.0;
-    integrated(80.0, 2.0 * 300.0 * 120.0, x, y);
+    qv5::test::integrated_clothoid(80.0, 2.0 * 300.0 * 120.0, x, y);
     // East along the tangent, north (to the left) across it; within the default 1e-5 m series
     // tolerance in each coordinate.
     EXPECT_NEAR(doc["east"].get<double>(), x, 2e-5);

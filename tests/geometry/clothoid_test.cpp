@@ -3,30 +3,14 @@
 #include "geometry/clothoid.h"
 #include "qv5/geosurvey.h"
 
+#include "support/clothoid_reference.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 
 namespace {
-
-/// The clothoid's coordinates by Simpson's rule on cos(u^2 / C) and sin(u^2 / C): an
-/// evaluation that shares nothing with the series. With 20000 panels its error is far below
-/// 1e-10 m for the spirals used here.
-void integrated(double l, double c, double& x, double& y) {
-    constexpr int kPanels = 20000;
-    const double h = l / kPanels;
-    double sx = 0.0;
-    double sy = 0.0;
-    for (int i = 0; i <= kPanels; ++i) {
-        const double u = i * h;
-        const double w = (i == 0 || i == kPanels) ? 1.0 : (i % 2 == 1 ? 4.0 : 2.0);
-        sx += w * std::cos(u * u / c);
-        sy += w * std::sin(u * u / c);
-    }
-    x = sx * h / 3.0;
-    y = sy * h / 3.0;
-}
 
 struct SeriesCase {
     double l;
@@ -128,7 +112,7 @@ TEST(SpiralDeltas, AgreeWithNumericalIntegrationWithinTheStoppingTolerance) {
         geo_spiral_deltas(c.l, c.c, c.tolerance, x, y);
         double xi = 0.0;
         double yi = 0.0;
-        integrated(c.l, c.c, xi, yi);
+        qv5::test::integrated_clothoid(c.l, c.c, xi, yi);
         EXPECT_NEAR(x, xi, c.tolerance) << c.l << " " << c.c;
         EXPECT_NEAR(y, yi, c.tolerance) << c.l << " " << c.c;
     }

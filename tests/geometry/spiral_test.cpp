@@ -5,6 +5,8 @@
 #include "qv5/geospiral.h"
 #include "qv5/geosurvey.h"
 
+#include "support/clothoid_reference.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -59,22 +61,6 @@ geo_nee offset_from(const geo_nee& from, double azimuth, double along, double ac
     return {from.north + along * std::cos(azimuth) + across * std::cos(azimuth + kHalfPi),
             from.east + along * std::sin(azimuth) + across * std::sin(azimuth + kHalfPi),
             from.elev};
-}
-
-/// The clothoid by Simpson's rule (shares nothing with the series).
-void integrated(double l, double c, double& x, double& y) {
-    constexpr int kPanels = 20000;
-    const double h = l / kPanels;
-    double sx = 0.0;
-    double sy = 0.0;
-    for (int i = 0; i <= kPanels; ++i) {
-        const double u = i * h;
-        const double w = (i == 0 || i == kPanels) ? 1.0 : (i % 2 == 1 ? 4.0 : 2.0);
-        sx += w * std::cos(u * u / c);
-        sy += w * std::sin(u * u / c);
-    }
-    x = sx * h / 3.0;
-    y = sy * h / 3.0;
 }
 
 void expect_at(CGeoPoint& p, const geo_nee& at, double tol = kTol) {
@@ -342,7 +328,7 @@ TEST(EntrySpiral, PositionsAgreeWithTheIntegratedClothoid) {
         for (double s : {5.0, 17.0, 33.3, kL}) {
             double x = 0.0;
             double y = 0.0;
-            integrated(s, 2.0 * kR * kL, x, y);
+            qv5::test::integrated_clothoid(s, 2.0 * kR * kL, x, y);
             CGeoPoint q;
             spiral.GridHorzPoint(s, 1e-6, q);
             // Each series is within its tolerance, so the point within sqrt(2) times it.
@@ -360,7 +346,7 @@ TEST(ExitSpiral, PositionsAgreeWithTheIntegratedClothoid) {
         for (double s : {0.0, 11.0, 40.0}) {
             double x = 0.0;
             double y = 0.0;
-            integrated(kL - s, 2.0 * kR * kL, x, y);
+            qv5::test::integrated_clothoid(kL - s, 2.0 * kR * kL, x, y);
             CGeoPoint q;
             spiral.GridHorzPoint(s, 1e-6, q);
             // Back along the exit straight from the end, to the outside of the turn. The end

@@ -1,0 +1,62 @@
+// What every benchmark program shares: running a body over the input tables, registering a
+// library call beside its baseline, and the bare whole-turn normalisation the baselines use.
+#ifndef QV5_BENCH_SUPPORT_H
+#define QV5_BENCH_SUPPORT_H
+
+#include "bench_inputs.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <string>
+
+/// Baselines are plain functions that the compiler may not inline, so that both sides of a pair
+/// pay for one call.
+#define QV5_BARE [[gnu::noinline]]
+
+namespace qv5::bench {
+
+inline constexpr double kTwoPi = 6.283185307179586;
+inline constexpr double kPi = 3.141592653589793;
+inline constexpr double kHalfPi = 1.5707963267948966;
+
+/// Runs `body(i)` once per iteration with i cycling through the input tables.
+template <class Body>
+void cycle(benchmark::State& state, Body body) {
+    std::size_t i = 0;
+    for (auto _ : state) {
+        body(i);
+        i = next(i);
+    }
+}
+
+/// A bearing brought into [0, 2 pi) by whole turns.
+inline double bare_normalise(double b) {
+    while (b >= kTwoPi) {
+        b -= kTwoPi;
+    }
+    while (b < 0.0) {
+        b += kTwoPi;
+    }
+    return b;
+}
+
+/// Registers BM_<name> and BM_<name>_Bare; each body takes the input index.
+template <class Library, class Bare>
+void pair(const std::string& name, Library library, Bare bare) {
+    benchmark::RegisterBenchmark(("BM_" + name).c_str(),
+                                 [library](benchmark::State& state) { cycle(state, library); });
+    benchmark::RegisterBenchmark(("BM_" + name + "_Bare").c_str(),
+                                 [bare](benchmark::State& state) { cycle(state, bare); });
+}
+
+/// Registers BM_<name> alone: its baseline is another library call (BASELINES in ratios.py).
+template <class Library>
+void single(const std::string& name, Library library) {
+    benchmark::RegisterBenchmark(("BM_" + name).c_str(),
+                                 [library](benchmark::State& state) { cycle(state, library); });
+}
+
+} // namespace qv5::bench
+
+#endif
