@@ -10,8 +10,8 @@
 #include <cstddef>
 #include <string>
 
-/// Baselines are plain functions that the compiler may not inline, so that both sides of a pair
-/// pay for one call.
+/// Baselines are plain functions that the compiler may not inline (and that the benchmarks call
+/// through opaque()), so that both sides of a pair pay for one call.
 #define QV5_BARE [[gnu::noinline]]
 
 namespace qv5::bench {
@@ -39,6 +39,14 @@ inline double bare_normalise(double b) {
         b += kTwoPi;
     }
     return b;
+}
+
+/// The baselines are called through a pointer the compiler cannot see through, as a call into a
+/// shared library goes through the GOT: both sides pay for the same kind of call.
+template <class Function>
+Function* opaque(Function* function) {
+    benchmark::DoNotOptimize(function);
+    return function;
 }
 
 /// Registers BM_<name> and BM_<name>_Bare; each body takes the input index.

@@ -17,17 +17,15 @@ inline constexpr double kLiteralTurnLimit = 1.0e6;
 /// have always seen it: the repeated subtraction (not a remainder) decides the last bits.
 /// `GEO_NULL` passes through; an infinite bearing has no direction and gives `GEO_NULL`.
 inline double normalised_bearing(double bearing) {
+    // GEO_NULL (2e-308) lies in [0, 2 pi) and so comes back unchanged here, as it must.
     if (bearing >= 0.0 && bearing < kTwoPi) {
-        return bearing; // already normal; also the common case
-    }
-    if (bearing == GEO_NULL) {
         return bearing;
     }
-    if (std::isinf(bearing)) {
-        return GEO_NULL;
-    }
-    if (std::fabs(bearing) >= kTwoPi * kLiteralTurnLimit) {
-        bearing = std::fmod(bearing, kTwoPi);
+    if (!(std::fabs(bearing) < kTwoPi * kLiteralTurnLimit)) {
+        if (std::isinf(bearing)) {
+            return GEO_NULL;
+        }
+        bearing = std::fmod(bearing, kTwoPi); // NaN stays NaN
     }
     while (bearing >= kTwoPi) {
         bearing -= kTwoPi;

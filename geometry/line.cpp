@@ -3,54 +3,70 @@
 
 #include "geometry/angles.h"
 #include "geometry/constants.h"
+#include "geometry/point_access.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 using namespace qv5::detail;
 
 namespace {
 
-/// The grid of a point as a temporary copy of it would derive it: the point itself is left as
-/// it is, so a later change of its station still reaches it.
-geo_nee grid_of_copy(CGeoPoint& point) {
-    geo_nee grid;
-    if ((point.Flags() & CGeoPoint::PT_GRID) != 0) {
-        return point.GetGrid(grid);
-    }
-    CGeoPoint copy(point);
-    return copy.GetGrid(grid);
-}
-
 bool has_plan(const geo_nee& grid) {
     return grid.north != GEO_NULL && grid.east != GEO_NULL;
 }
 
-/// Plan distance and bearing from one point to another: what a temporary line between them
-/// reports as its length and azimuth.
-struct PlanVector {
-    double length;
-    double azimuth;
-};
-
-bool plan_vector(CGeoPoint& from, CGeoPoint& to, PlanVector& vector) {
-    const geo_nee a = grid_of_copy(from);
-    const geo_nee b = grid_of_copy(to);
-    if (!has_plan(a) || !has_plan(b)) {
+/// The grids of both ends when both have plan coordinates; the second end is not derived when
+/// the first has none.
+bool plan_of_ends(CGeoPoint& start, CGeoPoint& end, geo_nee& start_grid, geo_nee& end_grid) {
+    start_grid = grid_of(start);
+    if (!has_plan(start_grid)) {
         return false;
     }
-    const double dn = b.north - a.north;
-    const double de = b.east - a.east;
-    vector.length = std::sqrt(dn * dn + de * de);
-    vector.azimuth = bearing_of(dn, de);
-    return true;
+    end_grid = grid_of(end);
+    return has_plan(end_grid);
+}
+
+/// Azimuth, horizontal distance and grade of a line built from a start point.
+struct Heading {
+    double azimuth;
+    double distance;
+    double grade;
+};
+
+/// A negative distance runs the reversed azimuth with the negated grade; otherwise the azimuth
+/// is taken as given, without normalising.
+Heading forwards(double azimuth, double distance, double grade) {
+    if (distance < 0.0) {
+        return {normalised_bearing(azimuth + kPi), std::fabs(distance), -grade};
+    }
+    return {azimuth, distance, grade};
+}
+
+/// The far end of a line from `start` along `heading`: the plan position by the azimuth and
+/// distance, the elevation by the grade (none when the start has none).
+geo_nee far_end(CGeoPoint& start, const Heading& heading) {
+    const geo_nee from = grid_of(start);
+    geo_nee end;
+    end.north = from.north + std::cos(heading.azimuth) * heading.distance;
+    end.east = from.east + std::sin(heading.azimuth) * heading.distance;
+    end.elev =
+        from.elev == GEO_NULL ? GEO_NULL : from.elev + std::tan(heading.grade) * heading.distance;
+    return end;
+}
+
+bool same_bits(const geo_nee& a, const geo_nee& b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
 } // namespace
 
 CGeoLine::CGeoLine()
     : m_azimuth(0.0), m_hDistance(0.0), m_grade(0.0), m_vDistance(0.0), m_deltaNorth(0.0),
-      m_deltaEast(0.0), m_known(0) {}
+      m_deltaEast(0.0),
+      m_known(0), m_lastFrom{GEO_NULL, GEO_NULL, GEO_NULL}, m_lastTo{GEO_NULL, GEO_NULL, GEO_NULL},
+      m_lastLength(GEO_NULL), m_lastAzimuth(GEO_NULL) {}
 
 CGeoLine::CGeoLine(geo_nee& start, geo_nee& end) : CGeoLine() {
     CGeoPoint a(start);
@@ -75,22 +91,14 @@ void CGeoLine::Set(CGeoPoint& start, CGeoPoint& end) {
 }
 
 void CGeoLine::Set(CGeoPoint& start, double azimuth, double distance, double grade) {
-    if (distance < 0.0) {
-        distance = std::fabs(distance);
-        azimuth = normalised_bearing(azimuth + kPi);
-        grade = -grade;
-    }
-    geo_nee end;
-    end.north = start.Northing() + std::cos(azimuth) * distance;
-    end.east = start.Easting() + std::sin(azimuth) * distance;
-    end.elev =
-        start.Elevation() == GEO_NULL ? GEO_NULL : start.Elevation() + std::tan(grade) * distance;
+    const Heading heading = forwards(azimuth, distance, grade);
+    const geo_nee end = far_end(start, heading);
     m_startPt = start;
     m_endPt = start; // the end keeps the start's station link
     m_endPt.SetGrid(end);
-    m_azimuth = azimuth;
-    m_hDistance = distance;
-    m_grade = grade;
+    m_azimuth = heading.azimuth;
+    m_hDistance = heading.distance;
+    m_grade = heading.grade;
     m_known = KNOWN_HDISTANCE | KNOWN_GRADE | KNOWN_AZIMUTH;
 }
 
@@ -107,10 +115,12 @@ double CGeoLine::GridDeltaNorth() {
         return m_deltaNorth;
     }
     m_known |= KNOWN_DELTA_NORTH;
-    if (m_startPt.Ok2DGrid() == 0 || m_endPt.Ok2DGrid() == 0) {
+    geo_nee start;
+    geo_nee end;
+    if (!plan_of_ends(m_startPt, m_endPt, start, end)) {
         return GEO_NULL;
     }
-    m_deltaNorth = m_endPt.Northing() - m_startPt.Northing();
+    m_deltaNorth = end.north - start.north;
     return m_deltaNorth;
 }
 
@@ -119,10 +129,12 @@ double CGeoLine::GridDeltaEast() {
         return m_deltaEast;
     }
     m_known |= KNOWN_DELTA_EAST;
-    if (m_startPt.Ok2DGrid() == 0 || m_endPt.Ok2DGrid() == 0) {
+    geo_nee start;
+    geo_nee end;
+    if (!plan_of_ends(m_startPt, m_endPt, start, end)) {
         return GEO_NULL;
     }
-    m_deltaEast = m_endPt.Easting() - m_startPt.Easting();
+    m_deltaEast = end.east - start.east;
     return m_deltaEast;
 }
 
@@ -216,34 +228,55 @@ double CGeoLine::GridDivergenceClockwise(CGeoLine& other) {
     return normalised_bearing(mine - theirs);
 }
 
+bool CGeoLine::VectorToPoint(CGeoPoint& point, double& length, double& azimuth) {
+    const geo_nee from = grid_of_copy(m_startPt);
+    const geo_nee to = grid_of_copy(point);
+    if (!has_plan(from) || !has_plan(to)) {
+        return false;
+    }
+    if (!same_bits(from, m_lastFrom) || !same_bits(to, m_lastTo)) {
+        const double dn = to.north - from.north;
+        const double de = to.east - from.east;
+        m_lastLength = std::sqrt(dn * dn + de * de);
+        m_lastAzimuth = bearing_of(dn, de);
+        m_lastFrom = from;
+        m_lastTo = to;
+    }
+    length = m_lastLength;
+    azimuth = m_lastAzimuth;
+    return true;
+}
+
 double CGeoLine::GridStation(CGeoPoint& point) {
     // The foot of the perpendicular, from the start -> point vector and its angle to the line.
-    PlanVector to_point;
-    if (!plan_vector(m_startPt, point, to_point)) {
+    double length;
+    double azimuth;
+    if (!VectorToPoint(point, length, azimuth)) {
         return GEO_NULL;
     }
-    const double angle = divergence(GridAzimuth(), to_point.azimuth);
+    const double angle = divergence(GridAzimuth(), azimuth);
     if (angle == GEO_NULL) {
         return GEO_NULL; // a line without a direction has no stations
     }
-    return to_point.length * std::cos(angle);
+    return length * std::cos(angle);
 }
 
 double CGeoLine::GridOffset(CGeoPoint& point) {
-    PlanVector to_point;
-    if (!plan_vector(m_startPt, point, to_point)) {
+    double length;
+    double to_point;
+    if (!VectorToPoint(point, length, to_point)) {
         return GEO_NULL;
     }
     const double azimuth = GridAzimuth();
     if (azimuth == GEO_NULL) {
         return GEO_NULL; // a line without a direction has no sides
     }
-    double d = normalised_bearing(azimuth - to_point.azimuth);
+    double d = normalised_bearing(azimuth - to_point);
     if (d > kPi) {
         d -= kTwoPi;
     }
     // A point clockwise from the line's direction (d in (-pi, 0)) lies to the right.
-    return -std::sin(d) * to_point.length;
+    return -std::sin(d) * length;
 }
 
 void CGeoLine::GridHorzPoint(double station, CGeoPoint& result) {
@@ -252,13 +285,14 @@ void CGeoLine::GridHorzPoint(double station, CGeoPoint& result) {
     if (azimuth == GEO_NULL || GridHDistance() == GEO_NULL) {
         return;
     }
-    CGeoLine to_station;
-    if (station > 0.0) {
-        to_station.Set(m_startPt, azimuth, station, GeoidGrade());
-    } else {
-        to_station.Set(m_startPt, normalised_bearing(azimuth - kPi), -station, -GeoidGrade());
-    }
-    result = to_station.m_endPt;
+    // Forwards along the line for a positive station, backwards along the reversed line
+    // otherwise; either way the elevation follows the grade.
+    const Heading heading =
+        station > 0.0 ? forwards(azimuth, station, GeoidGrade())
+                      : forwards(normalised_bearing(azimuth - kPi), -station, -GeoidGrade());
+    const geo_nee end = far_end(m_startPt, heading);
+    result = m_startPt; // keeps the start's station link
+    result.SetGrid(end);
 }
 
 void CGeoLine::GridHorzOffsetPoint(double station, double offset, CGeoPoint& result) {
@@ -275,9 +309,8 @@ void CGeoLine::GridHorzOffsetPoint(double station, double offset, CGeoPoint& res
     if (offset == GEO_NULL) {
         return;
     }
-    CGeoLine square;
-    square.Set(result, normalised_bearing(azimuth + kHalfPi), offset, 0.0);
-    result = square.m_endPt;
+    // Square off to the right (a negative offset runs to the left), level.
+    result.SetGrid(far_end(result, forwards(normalised_bearing(azimuth + kHalfPi), offset, 0.0)));
 }
 
 void CGeoLine::GridSlopePoint(double slopeDistance, CGeoPoint& result) {

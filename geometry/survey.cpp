@@ -318,10 +318,7 @@ void _dmstorad(int degrees, int minutes, double seconds, double* radians) {
     if (radians == nullptr) {
         return;
     }
-    double r = std::fabs(static_cast<double>(degrees)) * kRadiansPerDegree +
-               minutes * kRadiansPerMinute + seconds * kRadiansPerSecond;
-    if (degrees < 0) {
-        r = -r;
-    }
-    *radians = r;
+    const double r = std::fabs(static_cast<double>(degrees)) * kRadiansPerDegree +
+                     minutes * kRadiansPerMinute + seconds * kRadiansPerSecond;
+    *radians = degrees < 0 ? -r : r;
 }

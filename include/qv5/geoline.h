@@ -112,6 +112,7 @@ private:
     };
 
     void SnapToLine(double& station, CGeoPoint& point, double tolerance);
+    bool VectorToPoint(CGeoPoint& point, double& length, double& azimuth);
 
     CGeoPoint m_startPt;
     CGeoPoint m_endPt;
@@ -122,6 +123,15 @@ private:
     double m_deltaNorth;
     double m_deltaEast;
     std::uint64_t m_known;
+
+    // The start -> point vector of the last station or offset request, keyed by the exact
+    // coordinates it was computed from: a host asks for the station and then the offset of the
+    // same point, and the second request reuses the bearing and distance instead of computing
+    // them again.
+    geo_nee m_lastFrom;
+    geo_nee m_lastTo;
+    double m_lastLength;
+    double m_lastAzimuth;
 };
 
 #endif // QV5_GEOLINE_H

@@ -11,6 +11,10 @@
 
 class CGeoTransformation;
 
+namespace qv5::detail {
+struct PointAccess; // the library's own fast path to a point's cached grid
+} // namespace qv5::detail
+
 /// A point known by its grid coordinates, or by an observation from another point that serves
 /// as instrument station; the missing representation is derived on first request and cached.
 ///
@@ -79,6 +83,8 @@ public:
     std::uint64_t Flags() const;
 
 private:
+    friend struct qv5::detail::PointAccess;
+
     double DeriveGrid(double geo_nee::*coordinate);
 
     geo_nee m_grid;
