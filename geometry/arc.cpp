@@ -10,6 +10,7 @@
 #include "geometry/angles.h"
 #include "geometry/arc_math.h"
 #include "geometry/constants.h"
+#include "geometry/point_access.h"
 #include "geometry/traverse.h"
 #include "qv5/geosurvey.h"
 
@@ -150,7 +151,7 @@ double CGeoArc::GridArcLength() {
 
 void CGeoArc::DeriveCentre() {
     m_known |= KNOWN_CENTRE;
-    const geo_nee start = m_startPt.Grid();
+    const geo_nee start = grid_of(m_startPt);
     geo_nee centre = kNullGrid;
     if ((m_known & KNOWN_ENTRY_AZIMUTH) != 0 && (m_known & KNOWN_RADIUS) != 0) {
         // From the start, square off the entry tangent towards the inside of the curve.
@@ -164,7 +165,7 @@ void CGeoArc::DeriveCentre() {
         // The chord from start to end leaves the start at half the central angle inside the
         // entry tangent, so the radius to the centre lies at 90 degrees less that half-angle
         // from the chord.
-        const geo_nee end = m_endPt.Grid();
+        const geo_nee end = grid_of(m_endPt);
         if (has_plan(start) && has_plan(end) && m_radius != GEO_NULL && m_angle != GEO_NULL) {
             const double chord = geo_grid_bearing(start, end);
             const double half = m_angle * 0.5;
@@ -200,8 +201,8 @@ bool CGeoArc::Circle(ArcCircle& circle) {
     // Test the points, not the line's azimuth: a line whose azimuth derivation failed reports
     // GEO_NULL once and its stale cache afterwards.
     CGeoLine& radial = CentreToStart();
-    const geo_nee& centre = radial.StartPt().Grid();
-    if (!has_plan(centre) || !has_plan(radial.EndPt().Grid())) {
+    const geo_nee centre = grid_of(radial.StartPt());
+    if (!has_plan(centre) || !has_plan(grid_of(radial.EndPt()))) {
         return false;
     }
     circle = ArcCircle{centre, radial.GridAzimuth(), m_radius};
@@ -277,8 +278,7 @@ void CGeoArc::GridDeltas(CGeoPoint& point, double& station, double& offset, doub
     station = GEO_NULL;
     offset = GEO_NULL;
     azimuth = GEO_NULL;
-    geo_nee p;
-    point.GetGrid(p);
+    const geo_nee p = grid_of(point);
     ArcCircle circle;
     if (!has_plan(p) || !Circle(circle)) {
         return;

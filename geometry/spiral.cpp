@@ -9,6 +9,7 @@
 #include "geometry/angles.h"
 #include "geometry/clothoid.h"
 #include "geometry/constants.h"
+#include "geometry/point_access.h"
 #include "geometry/spiral_math.h"
 #include "geometry/traverse.h"
 #include "qv5/geoarc.h"
@@ -279,10 +280,10 @@ struct Spiral {
         SpiralShape shape{Kind,         kNullGrid,        GEO_NULL,
                           length_of(s), s.spiralConstant, direction_of(s) != geodef_Left};
         if constexpr (kEntry) {
-            shape.straight_end = start_point_of(s).Grid();
+            shape.straight_end = grid_of(start_point_of(s));
             shape.tangent_azimuth = entry_azimuth_of(s);
         } else {
-            shape.straight_end = end_point(s).Grid();
+            shape.straight_end = grid_of(end_point(s));
             shape.tangent_azimuth = exit_azimuth_of(s);
         }
         return shape;
@@ -306,7 +307,7 @@ struct Spiral {
         if (flip && s.endDeltaY != GEO_NULL) {
             s.endDeltaY = -s.endDeltaY;
         }
-        const geo_nee start = start_point_of(s).Grid();
+        const geo_nee start = grid_of(start_point_of(s));
         if (s.endDeltaX == GEO_NULL || azimuth == GEO_NULL || !has_plan(start)) {
             return s.endPt;
         }
@@ -405,8 +406,7 @@ struct Spiral {
         station = GEO_NULL;
         offset = GEO_NULL;
         azimuth = GEO_NULL;
-        geo_nee p;
-        point.GetGrid(p);
+        const geo_nee p = grid_of(point);
         SpiralLayout spiral(shape(s));
         const double length = spiral.shape().length;
         if (!has_plan(p) || length == GEO_NULL) {
