@@ -50,21 +50,31 @@ void check_together(double station, double offset, double azimuth) {
 
 template <class Spiral>
 void exercise_spiral(Numbers& in) {
+    // Every value is read into its own variable first: the order in which a call's arguments
+    // are evaluated is the compiler's choice, and a crash must reproduce whatever compiled it.
     CGeoPoint start(geo_nee{in.next(), in.next(), in.next()});
+    const double azimuth_in = in.next();
+    const geodef_Direction direction = in.direction();
+    const double radius = in.next();
+    const double length = in.next();
     Spiral spiral;
-    spiral.Set(start, in.next(), in.direction(), in.next(), in.next());
+    spiral.Set(start, azimuth_in, direction, radius, length);
     spiral.ExitAzimuth();
     spiral.EndPt().Northing();
     spiral.RadiusAtStation(in.next());
     spiral.GridAzimuth(in.next());
+    const double at = in.next();
+    const double point_tolerance = in.next();
     CGeoPoint q;
-    spiral.GridHorzPoint(in.next(), in.next(), q);
+    spiral.GridHorzPoint(at, point_tolerance, q);
     q.Northing();
     CGeoPoint p(geo_nee{in.next(), in.next(), 0.0});
+    const double from = in.next();
+    const double tolerance = in.next();
     double station = 0.0;
     double offset = 0.0;
     double azimuth = 0.0;
-    spiral.GridDeltas(p, in.next(), in.next(), station, offset, azimuth);
+    spiral.GridDeltas(p, from, tolerance, station, offset, azimuth);
     check_together(station, offset, azimuth);
     Spiral copy(spiral);
     copy.GridDeltas(q, station, 1e-5, station, offset, azimuth);
@@ -74,10 +84,18 @@ void exercise_spiral(Numbers& in) {
 void exercise_arc(Numbers& in) {
     CGeoPoint start(geo_nee{in.next(), in.next(), in.next()});
     CGeoPoint end(geo_nee{in.next(), in.next(), in.next()});
+    const double radius = in.next();
+    const double angle = in.next();
+    const geodef_Direction direction = in.direction();
     CGeoArc by_ends;
-    by_ends.Set(start, end, in.next(), in.next(), in.direction());
+    by_ends.Set(start, end, radius, angle, direction);
+    const double entry = in.next();
+    const double radius2 = in.next();
+    const double length = in.next();
+    const geodef_Direction direction2 = in.direction();
+    const double start_station = in.next();
     CGeoArc by_length;
-    by_length.Set(start, in.next(), in.next(), in.next(), in.direction(), in.next());
+    by_length.Set(start, entry, radius2, length, direction2, start_station);
     for (CGeoArc* arc : {&by_ends, &by_length}) {
         arc->EntryAzimuth();
         arc->GridArcLength();
@@ -102,11 +120,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Numbers in(data, size);
     double x = 0.0;
     double y = 0.0;
-    geo_spiral_deltas(in.next(), in.next(), in.next(), x, y);
+    const double l = in.next();
+    const double c = in.next();
+    const double tolerance = in.next();
+    geo_spiral_deltas(l, c, tolerance, x, y);
     if ((x == GEO_NULL) != (y == GEO_NULL)) {
         std::abort();
     }
-    geo_spiral_deflection(in.next(), in.next());
+    const double l2 = in.next();
+    geo_spiral_deflection(l2, in.next());
     exercise_arc(in);
     exercise_spiral<CGeoEntrySpiral>(in);
     exercise_spiral<CGeoExitSpiral>(in);

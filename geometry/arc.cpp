@@ -149,6 +149,16 @@ double CGeoArc::GridArcLength() {
     return m_arcLength;
 }
 
+namespace {
+
+/// A direction or length that a centre can be built on: set and finite. (A bearing normalised
+/// from an infinite value comes back as `GEO_NULL`.)
+bool usable(double value) {
+    return value != GEO_NULL && std::isfinite(value);
+}
+
+} // namespace
+
 void CGeoArc::DeriveCentre() {
     m_known |= KNOWN_CENTRE;
     const geo_nee start = grid_of(m_startPt);
@@ -156,26 +166,30 @@ void CGeoArc::DeriveCentre() {
     if ((m_known & KNOWN_ENTRY_AZIMUTH) != 0 && (m_known & KNOWN_RADIUS) != 0) {
         // From the start, square off the entry tangent towards the inside of the curve.
         const double entry = EntryAzimuth();
-        if (has_plan(start) && entry != GEO_NULL && m_radius != GEO_NULL) {
+        if (has_plan(start) && entry != GEO_NULL && usable(m_radius)) {
             const double inward =
                 normalised_bearing(Direction() == geodef_Right ? entry + kHalfPi : entry - kHalfPi);
-            centre = level_step(start, inward, m_radius);
+            if (usable(inward)) {
+                centre = level_step(start, inward, m_radius);
+            }
         }
     } else if ((m_known & KNOWN_END_POINT) != 0 && (m_known & KNOWN_RADIUS) != 0) {
         // The chord from start to end leaves the start at half the central angle inside the
         // entry tangent, so the radius to the centre lies at 90 degrees less that half-angle
         // from the chord.
         const geo_nee end = grid_of(m_endPt);
-        if (has_plan(start) && has_plan(end) && m_radius != GEO_NULL && m_angle != GEO_NULL) {
+        if (has_plan(start) && has_plan(end) && usable(m_radius) && m_angle != GEO_NULL) {
             const double chord = geo_grid_bearing(start, end);
             const double half = m_angle * 0.5;
             const double inward = normalised_bearing(
                 Direction() == geodef_Right ? chord + kHalfPi - half : chord - kHalfPi + half);
-            geo_grid_follow(start, inward, m_radius, 0.0, centre);
+            if (usable(inward)) {
+                geo_grid_follow(start, inward, m_radius, 0.0, centre);
+            }
         }
     }
-    if (!has_plan(centre)) {
-        // No centre: forget any from an earlier definition.
+    if (!has_plan(centre) || !std::isfinite(centre.north) || !std::isfinite(centre.east)) {
+        // No centre (also from non-finite coordinates): forget any from an earlier definition.
         m_centreToStart = CGeoLine();
         return;
     }

@@ -414,7 +414,8 @@ struct Spiral {
         }
         Deltas found{GEO_NULL, GEO_NULL, GEO_NULL};
         bool done = false;
-        double s_try = start_station;
+        // Without a starting station the search starts at the spiral's start.
+        double s_try = start_station == GEO_NULL ? 0.0 : start_station;
         for (int step = 0; step < kSpiralMaxSteps && !done; ++step) {
             if (s_try < 0.0) {
                 const Continuation c = before_start(s, point, found);

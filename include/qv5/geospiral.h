@@ -102,7 +102,7 @@ public:
     /// station (at most 20 steps).
     /// @param point the point (its grid is derived if needed)
     /// @param startStation metres from the start: where the search begins (the point's last
-    ///        known station makes it quick)
+    ///        known station makes it quick); `GEO_NULL` starts it at the spiral's start
     /// @param tolerance metres: the series tolerance, and how close along the tangent the
     ///        projection must come
     /// @param[out] station metres from the start; negative on the entry straight, beyond the

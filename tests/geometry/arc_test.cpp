@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <random>
 
 namespace {
@@ -194,6 +195,26 @@ TEST(ArcDerivation, NullInputsDeriveNoCentre) {
     arc.Set(start, end, 100.0, GEO_NULL, geodef_Right);
     EXPECT_EQ(arc.CentrePt().Ok2DGrid(), 0);
     EXPECT_EQ(arc.EntryAzimuth(), GEO_NULL);
+}
+
+TEST(ArcDerivation, NonFiniteInputsDeriveNoCentre) {
+    CGeoPoint start(geo_nee{0.0, 0.0, 0.0});
+    CGeoArc arc;
+    arc.Set(start, std::numeric_limits<double>::infinity(), 100.0, 50.0, geodef_Right, 0.0);
+    EXPECT_EQ(arc.CentrePt().Ok2DGrid(), 0);
+    CGeoPoint p(geo_nee{10.0, 10.0, 0.0});
+    double station = 0.0;
+    double offset = 0.0;
+    double azimuth = 0.0;
+    arc.GridDeltas(p, station, offset, azimuth);
+    EXPECT_EQ(station, GEO_NULL);
+    EXPECT_EQ(offset, GEO_NULL);
+    EXPECT_EQ(azimuth, GEO_NULL);
+    arc.Set(start, 0.0, std::numeric_limits<double>::quiet_NaN(), 50.0, geodef_Right, 0.0);
+    EXPECT_EQ(arc.CentrePt().Ok2DGrid(), 0);
+    CGeoPoint end(geo_nee{100.0, 100.0, 0.0});
+    arc.Set(start, end, 100.0, std::numeric_limits<double>::infinity(), geodef_Left);
+    EXPECT_EQ(arc.CentrePt().Ok2DGrid(), 0);
 }
 
 TEST(ArcDerivation, AFailedCentreLeavesNoCentreOfAnEarlierDefinition) {

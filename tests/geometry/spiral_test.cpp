@@ -604,6 +604,14 @@ TEST(EntrySpiralDeltas, PointOnTheSpiralHasZeroOffset) {
     EXPECT_EQ(f.azimuth, spiral.GridAzimuth(22.0));
 }
 
+TYPED_TEST(SpiralBoth, NullStartingStationStartsTheSearchAtTheStart) {
+    TypeParam spiral = reference<TypeParam>(geodef_Right);
+    const Found f = deltas_of(spiral, {kStart.north, kStart.east, 0.0}, GEO_NULL, 1e-6);
+    EXPECT_EQ(f.station, 0.0);
+    EXPECT_EQ(f.offset, 0.0);
+    EXPECT_NEAR(f.azimuth, kAzimuth, kAngleTol);
+}
+
 TEST(EntrySpiralDeltas, PointWithoutPlanCoordinatesGivesThreeNulls) {
     CGeoEntrySpiral spiral = reference<CGeoEntrySpiral>(geodef_Left);
     CGeoPoint nowhere;

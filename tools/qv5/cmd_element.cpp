@@ -20,7 +20,6 @@
 namespace qv5::cli {
 namespace {
 
-constexpr double kPi = 3.141592653589793;
 constexpr double kHalfPi = 1.5707963267948966;
 constexpr double kRadiansPerDegree = 0.017453292519943295;
 /// Series and search tolerance for spirals unless --tolerance says otherwise, metres: the one
