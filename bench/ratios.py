@@ -13,7 +13,14 @@ BASELINES = {
     "BM_CGeoEntrySpiral_GridDeltas_ExactGuess_Right": "BM_CGeoEntrySpiral_GridHorzPoint",
     "BM_CGeoEntrySpiral_GridDeltas_PoorGuess_Right": "BM_CGeoEntrySpiral_GridHorzPoint",
     "BM_CGeoEntrySpiral_GridDeltas_PoorGuess_Left": "BM_CGeoEntrySpiral_GridHorzPoint",
+    "BM_CQuantityUnits_Destroy": "BM_CQuantityUnits_Construct_Bare",
+    "BM_CQuantityUnits_DestroyChanged": "BM_CQuantityUnits_Construct_Bare",
 }
+
+# Nanoseconds per time unit of a benchmark's report.
+NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+# Suffix of benchmarks that time themselves (UseManualTime): their real time is the figure.
+MANUAL = "/manual_time"
 
 
 def main(path):
@@ -24,7 +31,11 @@ def main(path):
         if b.get("run_type", "iteration") == "aggregate" and b.get("aggregate_name") != "median":
             continue
         name = b.get("run_name", b["name"])
-        times[name] = b["cpu_time"]
+        manual = name.endswith(MANUAL)
+        if manual:
+            name = name[: -len(MANUAL)]
+        scale = NANOSECONDS[b.get("time_unit", "ns")]
+        times[name] = (b["real_time"] if manual else b["cpu_time"]) * scale
     print("| Call | ns/call | Baseline | ns/call | Ratio |")
     print("|---|---:|---|---:|---:|")
     for name, t in times.items():

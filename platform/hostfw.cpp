@@ -25,18 +25,6 @@ std::vector<unsigned short> copy_terminated(const Unit* text) {
     return units;
 }
 
-/// Simple case folding for ASCII and the Latin-1 letters, the alphabets of the names this
-/// library compares (point names, template names).
-unsigned short fold_case(unsigned short unit) {
-    if (unit >= 'A' && unit <= 'Z') {
-        return static_cast<unsigned short>(unit + ('a' - 'A'));
-    }
-    if (unit >= 0xC0 && unit <= 0xDE && unit != 0xD7) {
-        return static_cast<unsigned short>(unit + 0x20);
-    }
-    return unit;
-}
-
 } // namespace
 
 CString::CString() : m_units(1, 0) {}
@@ -110,8 +98,8 @@ int CString::Compare(const CString& other) const {
 
 int CString::CompareNoCase(const CString& other) const {
     for (std::size_t i = 0;; ++i) {
-        const unsigned short a = fold_case(m_units[i]);
-        const unsigned short b = fold_case(other.m_units[i]);
+        const unsigned short a = qv5::detail::fold_case(m_units[i]);
+        const unsigned short b = qv5::detail::fold_case(other.m_units[i]);
         if (a != b) {
             return a < b ? -1 : 1;
         }

@@ -94,6 +94,32 @@ void append_utf8(std::string& out, char32_t code) {
     }
 }
 
+/// The characters Windows-1252 places at 0x80 ... 0x9F, in byte order; 0 where the byte is
+/// unassigned.
+constexpr char16_t kWindows1252High[32] = {
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+
+/// First byte of the Windows-1252 range that differs from Latin-1.
+constexpr unsigned char kWindows1252HighFirst = 0x80;
+/// First code point from which Windows-1252 agrees with Latin-1 again (no-break space).
+constexpr char16_t kLatin1UpperFirst = 0xA0;
+/// Last code point that Latin-1 (and so Windows-1252) holds.
+constexpr char16_t kLatin1Last = 0xFF;
+
+char windows1252_byte(char16_t unit) {
+    if (unit < kWindows1252HighFirst || (unit >= kLatin1UpperFirst && unit <= kLatin1Last)) {
+        return static_cast<char>(unit);
+    }
+    for (unsigned char i = 0; i < 32; ++i) {
+        if (kWindows1252High[i] != 0 && kWindows1252High[i] == unit) {
+            return static_cast<char>(kWindows1252HighFirst + i);
+        }
+    }
+    return '?';
+}
+
 } // namespace
 
 std::u16string utf8_to_utf16(std::string_view utf8) {
@@ -121,6 +147,47 @@ std::string utf16_to_utf8(std::u16string_view utf16) {
         append_utf8(out, code);
     }
     return out;
+}
+
+std::string utf16_to_windows1252(std::u16string_view utf16) {
+    std::string out;
+    out.reserve(utf16.size());
+    for (std::size_t i = 0; i < utf16.size(); ++i) {
+        const char16_t unit = utf16[i];
+        if (unit >= kSurrogateFirst && unit <= kHighSurrogateLast && i + 1 < utf16.size() &&
+            utf16[i + 1] >= kLowSurrogateFirst && utf16[i + 1] <= kSurrogateLast) {
+            ++i; // a character beyond the Basic Multilingual Plane is one character: one '?'
+            out.push_back('?');
+            continue;
+        }
+        out.push_back(windows1252_byte(unit));
+    }
+    return out;
+}
+
+unsigned short fold_case(unsigned short unit) {
+    if (unit >= 'A' && unit <= 'Z') {
+        return static_cast<unsigned short>(unit + ('a' - 'A'));
+    }
+    if (unit >= 0xC0 && unit <= 0xDE && unit != 0xD7) {
+        return static_cast<unsigned short>(unit + 0x20);
+    }
+    return unit;
+}
+
+int compare_no_case(std::u16string_view a, std::u16string_view b) {
+    const std::size_t n = a.size() < b.size() ? a.size() : b.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        const unsigned short x = fold_case(a[i]);
+        const unsigned short y = fold_case(b[i]);
+        if (x != y) {
+            return x < y ? -1 : 1;
+        }
+    }
+    if (a.size() == b.size()) {
+        return 0;
+    }
+    return a.size() < b.size() ? -1 : 1;
 }
 
 bool is_valid_utf8(std::string_view utf8) {

@@ -55,6 +55,13 @@ public:
     /// Appends text.
     CString& operator+=(const CString& other);
 
+    /// Loads a string of the library's string table (ids 10001 and up: unit names, day and
+    /// month names, ordinal suffixes, "Too large"), as the host framework loads a resource
+    /// string.
+    /// @return 1 when the table holds the id and the string now holds its text; 0 when it does
+    ///         not, and the string keeps its text
+    int LoadString(unsigned int id);
+
     /// The zero-terminated UTF-16 text; valid until the string changes.
     const unsigned short* GetString() const;
     /// The text as UTF-8.

@@ -1,5 +1,5 @@
 // The qv5 program as a surveyor runs it.
-#include "run_program.h"
+#include "qv5_program.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -9,10 +9,8 @@
 
 namespace {
 
-using qv5::test::run_program;
-
 qv5::test::ProgramResult qv5(const std::vector<std::string>& args) {
-    return run_program(QV5_CLI_PATH, args);
+    return qv5::test::run_qv5(args);
 }
 
 std::size_t count_lines(const std::string& text) {
@@ -88,7 +86,7 @@ TEST(QV5Program, FollowGoesAlongBearingWithGradient) {
 }
 
 TEST(QV5Program, FollowTextNamesEachQuantity) {
-    const auto r = qv5({"follow", "0", "0", "0", "1.5707963267948966", "10", "0"});
+    const auto r = qv5({"follow", "0", "0", "0", "1.5707963267948966", "10", "0", "--raw"});
     ASSERT_EQ(r.exit_code, 0) << r.err;
     EXPECT_NE(r.out.find("East       10.0000 m"), std::string::npos) << r.out;
 }

@@ -1,6 +1,6 @@
 // `qv5 element`: one line, arc or spiral evaluated at a station and offset, or inverted for a
 // point, as a surveyor types it.
-#include "run_program.h"
+#include "qv5_program.h"
 
 #include "support/clothoid_reference.h"
 
@@ -13,10 +13,8 @@
 
 namespace {
 
-using qv5::test::run_program;
-
 qv5::test::ProgramResult qv5(const std::vector<std::string>& args) {
-    return run_program(QV5_CLI_PATH, args);
+    return qv5::test::run_qv5(args);
 }
 
 nlohmann::json json_of(const std::vector<std::string>& args) {
@@ -70,8 +68,8 @@ TEST(QV5Element, ArcStationAndOffsetOfAPoint) {
     EXPECT_FALSE(doc.contains("north"));
 }
 
-TEST(QV5Element, ArcTextNamesEachQuantity) {
-    const auto r = qv5(with(kArc, {"--at", "50", "--offset", "-1.5"}));
+TEST(QV5Element, ArcTextNamesEachQuantityInMetresAndRadiansWhenRaw) {
+    const auto r = qv5(with(kArc, {"--at", "50", "--offset", "-1.5", "--raw"}));
     ASSERT_EQ(r.exit_code, 0) << r.err;
     EXPECT_NE(r.out.find("Arc turning right, radius 100.000 m"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("Station    50.0000 m"), std::string::npos) << r.out;
@@ -80,14 +78,28 @@ TEST(QV5Element, ArcTextNamesEachQuantity) {
     EXPECT_NE(r.out.find("Azimuth    0.500000000 rad (tangent)"), std::string::npos) << r.out;
 }
 
-TEST(QV5Element, LineInDegreesWithAGrade) {
+TEST(QV5Element, LineGivenInDegreesWithAGrade) {
     const auto doc =
         json_of({"element", "line", "--start=-100,50,10", "--azimuth", "90", "--degrees",
                  "--length", "50", "--grade", "1", "--at", "30", "--offset", "2", "--json"});
     EXPECT_NEAR(doc["north"].get<double>(), -102.0, 1e-9);
     EXPECT_NEAR(doc["east"].get<double>(), 80.0, 1e-9);
     EXPECT_NEAR(doc["elevation"].get<double>(), 10.0 + 30.0 * std::tan(kPi / 180.0), 1e-9);
-    EXPECT_NEAR(doc["azimuth_deg"].get<double>(), 90.0, 1e-12);
+    EXPECT_NEAR(doc["azimuth_rad"].get<double>(), kPi / 2.0, 1e-12); // JSON is always radians
+}
+
+TEST(QV5Element, ShownInTheUsersUnits) {
+    // A fresh settings store holds the library's defaults: US survey feet (1200/3937 m) and
+    // bearings in degrees, minutes and seconds. 2 m is 6.5617 ft.
+    const auto doc = json_of(with(kArc, {"--at", "50", "--offset", "2", "--json"}));
+    EXPECT_EQ(doc["formatted"]["offset"], "6.56'");
+    EXPECT_EQ(doc["units"]["horizontal-distance"], "us-survey-feet");
+    EXPECT_EQ(doc["offset"].get<double>(), 2.0); // the numbers stay metres
+    const auto r = qv5(with(kArc, {"--at", "50", "--offset", "2"}));
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_NE(r.out.find("Offset     6.56' (right)"), std::string::npos) << r.out;
+    // 0.5 rad is 28 deg 38 min 52.4 s.
+    EXPECT_NE(r.out.find("28°38'52"), std::string::npos) << r.out;
 }
 
 TEST(QV5Element, LineStationAndOffsetOfAPoint) {

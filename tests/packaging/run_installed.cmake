@@ -1,6 +1,8 @@
 # The installed program finds the installed library (its RPATH) and the installed sample job.
-execute_process(COMMAND ${PREFIX}/bin/qv5 --json RESULT_VARIABLE result OUTPUT_VARIABLE out
-                ERROR_VARIABLE err)
+# Its settings store goes beside the prefix, never into the home folder of whoever runs the test.
+execute_process(COMMAND ${CMAKE_COMMAND} -E env QV5_REGISTRY=${PREFIX}/../registry.reg
+                        ${PREFIX}/bin/qv5 --json
+                RESULT_VARIABLE result OUTPUT_VARIABLE out ERROR_VARIABLE err)
 if(NOT result EQUAL 0)
     message(FATAL_ERROR "installed qv5 failed (${result}): ${err}")
 endif()

@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "number_args.h"
 #include "output.h"
+#include "units_output.h"
 
 #include "qv5/qv5lib.h"
 
@@ -58,6 +59,7 @@ struct ElementOptions {
     std::string tolerance;
     bool degrees = false;
     bool json = false;
+    bool raw = false;
 };
 
 /// The checked values.
@@ -70,7 +72,6 @@ struct Element {
     geodef_Direction direction = geodef_Right;
     double grade = 0.0;
     double tolerance = kDefaultTolerance;
-    bool degrees = false;
 };
 
 struct Query {
@@ -181,7 +182,6 @@ std::optional<geodef_Direction> direction_of(const std::string& text) {
 bool read_arguments(const ElementOptions& o, Element& element, Query& query) {
     Problems problems;
     element.kind = o.kind;
-    element.degrees = o.degrees;
     const double angle_unit = o.degrees ? kRadiansPerDegree : 1.0;
 
     if (o.start.empty()) {
@@ -363,34 +363,28 @@ bool evaluate(const Element& e, const Query& q, Answer& answer, std::string& why
     return false;
 }
 
-std::string describe(const Element& e) {
+std::string describe(const Element& e, const DisplayUnits& show) {
     const char* turn = e.direction == geodef_Right ? "right" : "left";
+    const std::string radius = show.distance(e.radius, 3);
+    const std::string length = show.distance(e.length, 3);
     switch (e.kind) {
     case Kind::Line:
-        return fmt::format("Straight, {} m", fixed(e.length, 3));
+        return fmt::format("Straight, {}", length);
     case Kind::Arc:
-        return fmt::format("Arc turning {}, radius {} m, {} m long", turn, fixed(e.radius, 3),
-                           fixed(e.length, 3));
+        return fmt::format("Arc turning {}, radius {}, {} long", turn, radius, length);
     case Kind::EntrySpiral:
-        return fmt::format("Entry spiral turning {} onto radius {} m, {} m long", turn,
-                           fixed(e.radius, 3), fixed(e.length, 3));
+        return fmt::format("Entry spiral turning {} onto radius {}, {} long", turn, radius, length);
     case Kind::ExitSpiral:
-        return fmt::format("Exit spiral turning {} off radius {} m, {} m long", turn,
-                           fixed(e.radius, 3), fixed(e.length, 3));
+        return fmt::format("Exit spiral turning {} off radius {}, {} long", turn, radius, length);
     }
     return "";
 }
 
-/// A length for the table: "12.3456 m", or "-" when there is none.
-std::string metres(double value) {
-    return value == GEO_NULL ? std::string("-") : fixed(value, 4) + " m";
-}
-
-double shown_angle(const Element& e, double radians) {
-    if (radians == GEO_NULL || !e.degrees) {
-        return radians;
+const char* side_of(double offset) {
+    if (offset == GEO_NULL || offset == 0.0) {
+        return "";
     }
-    return radians / kRadiansPerDegree;
+    return offset > 0.0 ? " (right)" : " (left)";
 }
 
 int run_element(const ElementOptions& options) {
@@ -405,36 +399,42 @@ int run_element(const ElementOptions& options) {
         report_error("element: " + why);
         return kExitBadData;
     }
-    const double azimuth = shown_angle(element, answer.azimuth);
-    const char* angle_unit = element.degrees ? "deg" : "rad";
+    const DisplayUnits show(options.raw);
     if (options.json) {
         nlohmann::json out = {{"element", name_of(element.kind)},
                               {"station", json_number(answer.station)},
                               {"offset", json_number(answer.offset)},
-                              {std::string("azimuth_") + angle_unit, json_number(azimuth)}};
+                              {"azimuth_rad", json_number(answer.azimuth)}};
         if (!query.locate) {
             out["north"] = json_number(answer.point.north);
             out["east"] = json_number(answer.point.east);
             out["elevation"] = json_number(answer.point.elev);
         }
+        if (!show.raw()) {
+            nlohmann::json formatted = {{"station", show.station(answer.station, 4)},
+                                        {"offset", show.distance(answer.offset, 4)},
+                                        {"azimuth", show.bearing(answer.azimuth, 9)}};
+            if (!query.locate) {
+                formatted["north"] = show.distance(answer.point.north, 4);
+                formatted["east"] = show.distance(answer.point.east, 4);
+                formatted["elevation"] = show.height(answer.point.elev, 4);
+            }
+            out["formatted"] = formatted;
+            out["units"] = show.description();
+        }
         std::cout << out.dump(2) << '\n';
         return 0;
     }
-    const int angle_decimals = element.degrees ? 7 : 9;
-    std::cout << describe(element) << '\n'
-              << fmt::format("Station    {}\n", metres(answer.station))
-              << fmt::format("Offset     {}{}\n", metres(answer.offset),
-                             answer.offset == GEO_NULL ? ""
-                             : answer.offset > 0.0     ? " (right)"
-                             : answer.offset < 0.0     ? " (left)"
-                                                       : "");
+    std::cout << describe(element, show) << '\n'
+              << fmt::format("{:<11}{}\n", "Station", show.station(answer.station, 4))
+              << fmt::format("{:<11}{}{}\n", "Offset", show.distance(answer.offset, 4),
+                             side_of(answer.offset));
     if (!query.locate) {
-        std::cout << fmt::format("North      {}\n", metres(answer.point.north))
-                  << fmt::format("East       {}\n", metres(answer.point.east))
-                  << fmt::format("Elevation  {}\n", metres(answer.point.elev));
+        for (const auto& [label, text] : show.position(answer.point, 4)) {
+            std::cout << fmt::format("{:<11}{}\n", label, text);
+        }
     }
-    std::cout << fmt::format("Azimuth    {} {} (tangent)\n", fixed(azimuth, angle_decimals),
-                             angle_unit);
+    std::cout << fmt::format("{:<11}{} (tangent)\n", "Azimuth", show.bearing(answer.azimuth, 9));
     return 0;
 }
 
@@ -470,8 +470,10 @@ void add_kind(CLI::App& parent, Kind kind, const char* description,
                     "With --at: offset, metres, positive to the right; default 0");
     cmd->add_option("--point", options->point,
                     "A point NORTH,EAST[,ELEVATION] to find the station and offset of");
-    cmd->add_flag("--degrees", options->degrees, "Angles in and out in decimal degrees");
+    cmd->add_flag("--degrees", options->degrees,
+                  "Azimuth and grade given in decimal degrees instead of radians");
     cmd->add_flag("--json", options->json, "Write JSON");
+    add_raw_flag(*cmd, options->raw);
 }
 
 } // namespace
@@ -480,7 +482,8 @@ CommandRunner add_element_command(CLI::App& app) {
     auto options = std::make_shared<ElementOptions>();
     CLI::App* element = app.add_subcommand(
         "element", "One alignment element: the point at a station and offset, or the station "
-                   "and offset of a point");
+                   "and offset of a point (given in metres and radians; shown in the units chosen "
+                   "with 'qv5 units')");
     element->require_subcommand(1);
     add_kind(*element, Kind::Line, "A straight", options);
     add_kind(*element, Kind::Arc, "A circular arc", options);

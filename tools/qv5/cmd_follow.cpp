@@ -2,6 +2,7 @@
 #include "commands.h"
 #include "number_args.h"
 #include "output.h"
+#include "units_output.h"
 
 #include "qv5/qv5lib.h"
 
@@ -26,6 +27,7 @@ constexpr std::array<const char*, 6> kUnits = {"metres",
 struct FollowOptions {
     std::array<std::string, 6> text;
     bool json = false;
+    bool raw = false;
 };
 
 int run_follow(const FollowOptions& options) {
@@ -43,15 +45,24 @@ int run_follow(const FollowOptions& options) {
     const geo_nee start{v[0], v[1], v[2]};
     geo_nee end{};
     geo_grid_follow(start, v[3], v[4], v[5], end);
+    const DisplayUnits show(options.raw);
+    const auto position = show.position(end, 4);
     if (options.json) {
         nlohmann::json out = {{"north", json_number(end.north)},
                               {"east", json_number(end.east)},
                               {"elevation", json_number(end.elev)}};
+        if (!show.raw()) {
+            out["formatted"] = {{"north", show.distance(end.north, 4)},
+                                {"east", show.distance(end.east, 4)},
+                                {"elevation", show.height(end.elev, 4)}};
+            out["units"] = show.description();
+        }
         std::cout << out.dump(2) << '\n';
         return 0;
     }
-    std::cout << fmt::format("North      {} m\nEast       {} m\nElevation  {} m\n",
-                             fixed(end.north, 4), fixed(end.east, 4), fixed(end.elev, 4));
+    for (const auto& [label, text] : position) {
+        std::cout << fmt::format("{:<11}{}\n", label, text);
+    }
     return 0;
 }
 
@@ -60,11 +71,13 @@ int run_follow(const FollowOptions& options) {
 CommandRunner add_follow_command(CLI::App& app) {
     auto options = std::make_shared<FollowOptions>();
     CLI::App* cmd = app.add_subcommand(
-        "follow", "The point at a bearing, horizontal distance and gradient from a start");
+        "follow", "The point at a bearing, horizontal distance and gradient from a start (given in "
+                  "metres and radians; shown in the units chosen with 'qv5 units')");
     for (std::size_t i = 0; i < kNames.size(); ++i) {
         cmd->add_option(kNames[i], options->text[i], kUnits[i])->required();
     }
     cmd->add_flag("--json", options->json, "Write JSON");
+    add_raw_flag(*cmd, options->raw);
     return [options] { return run_follow(*options); };
 }
 

@@ -2,6 +2,7 @@
 #include "commands.h"
 #include "number_args.h"
 #include "output.h"
+#include "units_output.h"
 
 #include "qv5/qv5lib.h"
 
@@ -20,6 +21,7 @@ constexpr std::array<const char*, 6> kNames = {"from_north", "from_east", "from_
 struct InverseOptions {
     std::array<std::string, 6> text;
     bool json = false;
+    bool raw = false;
 };
 
 int run_inverse(const InverseOptions& options) {
@@ -43,21 +45,30 @@ int run_inverse(const InverseOptions& options) {
     const double slope = line.GridSlopeDistance();
     const double gradient = geo_gradient(from, to);
 
+    const DisplayUnits show(options.raw);
     if (options.json) {
         nlohmann::json out = {{"bearing_rad", json_number(bearing)},
                               {"horizontal_distance_m", json_number(horizontal)},
                               {"vertical_distance_m", json_number(vertical)},
                               {"slope_distance_m", json_number(slope)},
                               {"gradient_rad", json_number(gradient)}};
+        if (!show.raw()) {
+            out["formatted"] = {{"bearing", show.bearing(bearing, 9)},
+                                {"horizontal_distance", show.distance(horizontal, 4)},
+                                {"vertical_distance", show.height(vertical, 4)},
+                                {"slope_distance", show.distance(slope, 4)},
+                                {"gradient", show.grade(gradient, 9)}};
+            out["units"] = show.description();
+        }
         std::cout << out.dump(2) << '\n';
         return 0;
     }
-    std::cout << fmt::format("Bearing              {} rad\n", fixed(bearing, 9))
-              << fmt::format("Horizontal distance  {} m\n", fixed(horizontal, 4))
-              << fmt::format("Vertical distance    {} m\n", fixed(vertical, 4))
-              << fmt::format("Slope distance       {} m\n", fixed(slope, 4))
-              << fmt::format("Gradient             {} rad (angle of elevation)\n",
-                             fixed(gradient, 9));
+    std::cout << fmt::format("Bearing              {}\n", show.bearing(bearing, 9))
+              << fmt::format("Horizontal distance  {}\n", show.distance(horizontal, 4))
+              << fmt::format("Vertical distance    {}\n", show.height(vertical, 4))
+              << fmt::format("Slope distance       {}\n", show.distance(slope, 4))
+              << fmt::format("Gradient             {} (angle of elevation)\n",
+                             show.grade(gradient, 9));
     return 0;
 }
 
@@ -67,11 +78,12 @@ CommandRunner add_inverse_command(CLI::App& app) {
     auto options = std::make_shared<InverseOptions>();
     CLI::App* cmd = app.add_subcommand(
         "inverse", "Bearing, horizontal, vertical and slope distance, and gradient between two "
-                   "points (metres, radians)");
+                   "points given in metres; shown in the units chosen with 'qv5 units'");
     for (std::size_t i = 0; i < kNames.size(); ++i) {
         cmd->add_option(kNames[i], options->text[i], "metres")->required();
     }
     cmd->add_flag("--json", options->json, "Write JSON");
+    add_raw_flag(*cmd, options->raw);
     return [options] { return run_inverse(*options); };
 }
 

@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "job_file.h"
 #include "output.h"
+#include "units_output.h"
 
 #include "qv5/qv5lib.h"
 
@@ -23,6 +24,7 @@ constexpr const char* kSampleFileName = "sample-observations.csv";
 struct SampleOptions {
     std::string data_file;
     bool json = false;
+    bool raw = false;
 };
 
 /// The bundled job: beside an installed program, else in the source tree it was built from.
@@ -68,30 +70,39 @@ ShotResult place_shot(const JobShot& shot, CGeoPoint& instrument, CGeoLine& stra
 }
 
 void print_text(const std::string& source, const Job& job, CGeoLine& straight,
-                const std::vector<ShotResult>& results) {
+                const std::vector<ShotResult>& results, const DisplayUnits& show) {
     const JobStation& st = *job.station;
     std::cout << "QV5 job " << source << "\n\n";
-    std::cout << fmt::format("Station {}  N {}  E {}  Z {}  instrument height {}\n", st.name,
-                             fixed(st.grid.north, 3), fixed(st.grid.east, 3),
-                             fixed(st.grid.elev, 3), fixed(st.instrument_height, 3));
-    std::cout << fmt::format("Straight {}  azimuth {} rad  length {} m  grade {} rad\n\n",
-                             job.straight->name, fixed(straight.GridAzimuth(), 6),
-                             fixed(straight.GridHDistance(), 3), fixed(straight.GeoidGrade(), 6));
-    std::cout << fmt::format("{:<8}{:>12}{:>12}{:>10}{:>11}{:>10}{:>11}{:>12}\n", "Point", "North",
-                             "East", "Elev", "Station", "Offset", "Design Z", "Above (+)");
+    const auto station = show.position(st.grid, 3);
+    std::cout << fmt::format("Station {}  {} {}  {} {}  {} {}  instrument height {}\n", st.name,
+                             station[0].first, station[0].second, station[1].first,
+                             station[1].second, station[2].first, station[2].second,
+                             show.height(st.instrument_height, 3));
+    std::cout << fmt::format("Straight {}  azimuth {}  length {}  grade {}\n\n", job.straight->name,
+                             show.bearing(straight.GridAzimuth(), 6),
+                             show.distance(straight.GridHDistance(), 3),
+                             show.grade(straight.GeoidGrade(), 6));
+    const auto headings = show.position(geo_nee{0.0, 0.0, 0.0}, 3);
+    const std::string row = "{:<8}{:>14}{:>14}{:>12}{:>13}{:>12}{:>12}{:>12}\n";
+    std::cout << fmt::format(fmt::runtime(row), "Point", headings[0].first, headings[1].first,
+                             headings[2].first == "Elevation" ? "Elev" : headings[2].first,
+                             "Station", "Offset", "Design Z", "Above (+)");
     for (const ShotResult& r : results) {
-        std::cout << fmt::format("{:<8}{:>12}{:>12}{:>10}{:>11}{:>10}{:>11}{:>12}\n", r.name,
-                                 fixed(r.grid.north, 3), fixed(r.grid.east, 3),
-                                 fixed(r.grid.elev, 3), fixed(r.station, 3), fixed(r.offset, 3),
-                                 fixed(r.design_elevation, 3), fixed(r.above_design, 3));
+        const auto p = show.position(r.grid, 3);
+        std::cout << fmt::format(fmt::runtime(row), r.name, p[0].second, p[1].second, p[2].second,
+                                 show.station(r.station, 3), show.distance(r.offset, 3),
+                                 show.height(r.design_elevation, 3),
+                                 show.height(r.above_design, 3));
     }
-    std::cout << "\nMetres and radians. Station is measured from the straight's start; offset is "
-                 "positive to the right;\n'Above' is the height of the shot above the straight's "
-                 "grade line (positive: cut).\n";
+    std::cout << "\n"
+              << show.legend()
+              << "\nStation is measured from the straight's start; offset is positive to the "
+                 "right;\n'Above' is the height of the shot above the straight's grade line "
+                 "(positive: cut).\n";
 }
 
 void print_json(const std::string& source, const Job& job, CGeoLine& straight,
-                const std::vector<ShotResult>& results) {
+                const std::vector<ShotResult>& results, const DisplayUnits& show) {
     nlohmann::json out;
     out["job"] = source;
     const JobStation& st = *job.station;
@@ -104,16 +115,36 @@ void print_json(const std::string& source, const Job& job, CGeoLine& straight,
                        {"azimuth_rad", json_number(straight.GridAzimuth())},
                        {"length_m", json_number(straight.GridHDistance())},
                        {"grade_rad", json_number(straight.GeoidGrade())}};
+    if (!show.raw()) {
+        out["units"] = show.description();
+        out["station"]["formatted"] = {{"north", show.distance(st.grid.north, 3)},
+                                       {"east", show.distance(st.grid.east, 3)},
+                                       {"elevation", show.height(st.grid.elev, 3)},
+                                       {"instrument_height", show.height(st.instrument_height, 3)}};
+        out["straight"]["formatted"] = {{"azimuth", show.bearing(straight.GridAzimuth(), 6)},
+                                        {"length", show.distance(straight.GridHDistance(), 3)},
+                                        {"grade", show.grade(straight.GeoidGrade(), 6)}};
+    }
     nlohmann::json points = nlohmann::json::array();
     for (const ShotResult& r : results) {
-        points.push_back({{"name", r.name},
-                          {"north", json_number(r.grid.north)},
-                          {"east", json_number(r.grid.east)},
-                          {"elevation", json_number(r.grid.elev)},
-                          {"station", json_number(r.station)},
-                          {"offset", json_number(r.offset)},
-                          {"design_elevation", json_number(r.design_elevation)},
-                          {"above_design", json_number(r.above_design)}});
+        nlohmann::json point = {{"name", r.name},
+                                {"north", json_number(r.grid.north)},
+                                {"east", json_number(r.grid.east)},
+                                {"elevation", json_number(r.grid.elev)},
+                                {"station", json_number(r.station)},
+                                {"offset", json_number(r.offset)},
+                                {"design_elevation", json_number(r.design_elevation)},
+                                {"above_design", json_number(r.above_design)}};
+        if (!show.raw()) {
+            point["formatted"] = {{"north", show.distance(r.grid.north, 3)},
+                                  {"east", show.distance(r.grid.east, 3)},
+                                  {"elevation", show.height(r.grid.elev, 3)},
+                                  {"station", show.station(r.station, 3)},
+                                  {"offset", show.distance(r.offset, 3)},
+                                  {"design_elevation", show.height(r.design_elevation, 3)},
+                                  {"above_design", show.height(r.above_design, 3)}};
+        }
+        points.push_back(point);
     }
     out["points"] = points;
     std::cout << out.dump(2) << '\n';
@@ -150,10 +181,11 @@ int run_sample(const SampleOptions& options) {
     for (const JobShot& shot : job.shots) {
         results.push_back(place_shot(shot, instrument, straight));
     }
+    const DisplayUnits show(options.raw);
     if (options.json) {
-        print_json(path.string(), job, straight, results);
+        print_json(path.string(), job, straight, results, show);
     } else {
-        print_text(path.string(), job, straight, results);
+        print_text(path.string(), job, straight, results, show);
     }
     return 0;
 }
@@ -165,6 +197,7 @@ CommandRunner add_sample_command(CLI::App& app) {
     app.add_option("--data", options->data_file,
                    "Job file to run instead of the bundled sample (see docs/cli.md)");
     app.add_flag("--json", options->json, "Write JSON instead of a table");
+    add_raw_flag(app, options->raw);
     return [options] { return run_sample(*options); };
 }
 

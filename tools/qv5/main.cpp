@@ -17,6 +17,7 @@ int main(int argc, char** argv) {
     const CommandRunner inverse = add_inverse_command(app);
     const CommandRunner follow = add_follow_command(app);
     const CommandRunner element = add_element_command(app);
+    const CommandRunner units = add_units_command(app);
 
     try {
         app.parse(argc, argv);
@@ -40,6 +41,9 @@ int main(int argc, char** argv) {
         }
         if (app.got_subcommand("element")) {
             return element();
+        }
+        if (app.got_subcommand("units")) {
+            return units();
         }
         return sample();
     } catch (const std::exception& e) {

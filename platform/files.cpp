@@ -1,0 +1,242 @@
+// Files and folders on POSIX.
+#include "platform/files.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace qv5::detail {
+namespace {
+
+/// Folders the library makes are private to the user, as the XDG base directories are.
+constexpr mode_t kPrivateFolderMode = 0700;
+/// Files the library creates: readable by all, writable by the user (less the umask).
+constexpr mode_t kNewFileMode = 0644;
+/// The longest pause between two attempts at a taken lock.
+constexpr std::chrono::milliseconds kLockRetryCeiling{8};
+/// A replacement is written beside its file under the file's name with this suffix.
+constexpr std::string_view kTemporarySuffix = ".tmp";
+
+/// The value of an environment variable; empty when unset.
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? std::string(value) : std::string();
+}
+
+/// An XDG base directory: `$variable` when it is an absolute path (relative ones are to be
+/// ignored), else `$HOME/fallback`; empty when neither is usable.
+std::string xdg_directory(const char* variable, const char* fallback) {
+    std::string path = environment(variable);
+    if (!path.empty() && path.front() == '/') {
+        return path;
+    }
+    const std::string home = environment("HOME");
+    if (home.empty()) {
+        return {};
+    }
+    return home + "/" + fallback;
+}
+
+std::string parent_folder(const std::string& path) {
+    const std::size_t slash = path.find_last_of('/');
+    if (slash == std::string::npos) {
+        return ".";
+    }
+    return slash == 0 ? std::string("/") : path.substr(0, slash);
+}
+
+bool write_all(int fd, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t n = ::write(fd, bytes.data(), bytes.size());
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(n));
+    }
+    return true;
+}
+
+bool fsync_folder(const std::string& folder) {
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    const bool ok = ::fsync(fd) == 0;
+    ::close(fd);
+    return ok;
+}
+
+} // namespace
+
+std::string registry_file_path() {
+    std::string path = environment("QV5_REGISTRY");
+    if (!path.empty()) {
+        return path;
+    }
+    const std::string config = xdg_directory("XDG_CONFIG_HOME", ".config");
+    return config.empty() ? std::string() : config + "/qv5/registry.reg";
+}
+
+std::vector<std::string> log_folders() {
+    std::vector<std::string> folders;
+    const std::string temp = environment("TMPDIR");
+    folders.push_back(temp.empty() ? std::string("/tmp") : temp);
+    const std::string state = xdg_directory("XDG_STATE_HOME", ".local/state");
+    if (!state.empty()) {
+        folders.push_back(state + "/halvik/zkmt");
+    }
+    return folders;
+}
+
+bool make_folders(const std::string& path) {
+    if (path.empty()) {
+        return false;
+    }
+    struct stat info {};
+    if (::stat(path.c_str(), &info) == 0) {
+        return S_ISDIR(info.st_mode);
+    }
+    const std::string parent = parent_folder(path);
+    if (parent != path && parent != "." && parent != "/") {
+        make_folders(parent);
+    }
+    if (::mkdir(path.c_str(), kPrivateFolderMode) == 0) {
+        return true;
+    }
+    return errno == EEXIST && ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+ReadStatus read_whole_file(const std::string& path, std::size_t max_bytes, std::string& content) {
+    content.clear();
+    // Non-blocking, so that a FIFO put where the file should be cannot stall the host.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0) {
+        return errno == ENOENT ? ReadStatus::missing : ReadStatus::failed;
+    }
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) ||
+        static_cast<std::size_t>(info.st_size) > max_bytes) {
+        ::close(fd);
+        return ReadStatus::failed;
+    }
+    content.reserve(static_cast<std::size_t>(info.st_size));
+    // The file may change size meanwhile: read until its end, within the limit.
+    char chunk[8192];
+    while (true) {
+        const ssize_t n = ::read(fd, chunk, sizeof chunk);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n < 0 || content.size() + static_cast<std::size_t>(n) > max_bytes) {
+            ::close(fd);
+            content.clear();
+            return ReadStatus::failed;
+        }
+        if (n == 0) {
+            break;
+        }
+        content.append(chunk, static_cast<std::size_t>(n));
+    }
+    ::close(fd);
+    return ReadStatus::read;
+}
+
+bool replace_file_durably(const std::string& path, std::string_view content) {
+    const std::string temporary = path + std::string(kTemporarySuffix);
+    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW,
+                          kNewFileMode);
+    if (fd < 0) {
+        return false;
+    }
+    struct stat old {};
+    if (::stat(path.c_str(), &old) == 0) {
+        ::fchmod(fd, old.st_mode & 07777);
+    }
+    const bool written = write_all(fd, content) && ::fsync(fd) == 0;
+    const bool closed = ::close(fd) == 0;
+    if (!written || !closed || ::rename(temporary.c_str(), path.c_str()) != 0) {
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    // The rename is durable only once the folder that records it is on disk.
+    fsync_folder(parent_folder(path));
+    return true;
+}
+
+std::unique_ptr<FileLock> FileLock::acquire(const std::string& lock_path,
+                                            std::chrono::milliseconds patience) {
+    const int fd = ::open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
+                          kNewFileMode);
+    if (fd < 0) {
+        return nullptr;
+    }
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    std::chrono::milliseconds pause{1};
+    while (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        if ((errno != EWOULDBLOCK && errno != EINTR) ||
+            std::chrono::steady_clock::now() >= deadline) {
+            ::close(fd);
+            return nullptr;
+        }
+        std::this_thread::sleep_for(pause);
+        pause = pause * 2 > kLockRetryCeiling ? kLockRetryCeiling : pause * 2;
+    }
+    return std::unique_ptr<FileLock>(new FileLock(fd));
+}
+
+FileLock::~FileLock() {
+    ::close(m_fd); // closing the last descriptor releases the flock
+}
+
+std::unique_ptr<OutputFile> OutputFile::open(const std::string& path, bool truncate) {
+    const int fd =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, kNewFileMode);
+    if (fd < 0) {
+        return nullptr;
+    }
+    // One writer at a time, as read-only sharing grants: a second writer is refused before it
+    // could truncate what the first is writing.
+    if (::flock(fd, LOCK_EX | LOCK_NB) != 0 || (truncate && ::ftruncate(fd, 0) != 0) ||
+        ::lseek(fd, 0, SEEK_END) < 0) {
+        ::close(fd);
+        return nullptr;
+    }
+    return std::unique_ptr<OutputFile>(new OutputFile(fd));
+}
+
+OutputFile::~OutputFile() {
+    close();
+}
+
+bool OutputFile::write(std::string_view bytes) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return m_fd >= 0 && write_all(m_fd, bytes);
+}
+
+void OutputFile::add_holder() {
+    m_holders.fetch_add(1, std::memory_order_relaxed);
+}
+
+void OutputFile::drop_holder(OutputFile* file) {
+    if (file != nullptr && file->m_holders.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        delete file;
+    }
+}
+
+void OutputFile::close() {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    if (m_fd >= 0) {
+        ::close(m_fd);
+        m_fd = -1;
+    }
+}
+
+} // namespace qv5::detail

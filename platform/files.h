@@ -1,0 +1,99 @@
+// Files and folders: the library's well-known folders, whole-file reads and durable
+// replacement, an inter-process lock with a bounded wait, and the append-only output file of
+// the log. Paths are UTF-8. Internal header.
+#ifndef QV5_PLATFORM_FILES_H
+#define QV5_PLATFORM_FILES_H
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qv5::detail {
+
+/// The registry file: `$QV5_REGISTRY` when set and not empty, else
+/// `${XDG_CONFIG_HOME:-$HOME/.config}/qv5/registry.reg`; empty when no location can be found.
+std::string registry_file_path();
+
+/// The folders the log file makes: `${TMPDIR:-/tmp}` and
+/// `${XDG_STATE_HOME:-$HOME/.local/state}/halvik/zkmt` (the second left out when neither
+/// variable gives a location).
+std::vector<std::string> log_folders();
+
+/// Makes a folder and any missing parents; folders made are private to the user (0700).
+/// @return true when the folder exists afterwards
+bool make_folders(const std::string& path);
+
+/// What read_whole_file found.
+enum class ReadStatus {
+    read,    ///< the whole file was read
+    missing, ///< there is no file at the path
+    failed   ///< a file is there but could not be read (not a regular file, too large, I/O)
+};
+
+/// Reads a regular file whole without ever blocking on it (a FIFO or device is refused).
+/// @param max_bytes larger files are refused as `failed`
+ReadStatus read_whole_file(const std::string& path, std::size_t max_bytes, std::string& content);
+
+/// Replaces a file so that a crash or a concurrent reader never sees it torn: the content goes
+/// to `path`.tmp in the same folder, is flushed to disk, renamed over `path`, and the folder is
+/// flushed. The new file keeps the permission bits of the one it replaces.
+/// @return false when any step failed (the old file is then untouched)
+bool replace_file_durably(const std::string& path, std::string_view content);
+
+/// An exclusive advisory lock (flock) on a lock file, held while the object lives. Locks taken
+/// through separate objects exclude each other within one process as well as across processes.
+class FileLock {
+public:
+    /// Takes the lock on `lock_path` (created if missing), retrying until `patience` has passed.
+    /// @return nullptr when the lock file cannot be opened or the lock stays taken
+    static std::unique_ptr<FileLock> acquire(const std::string& lock_path,
+                                             std::chrono::milliseconds patience);
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+private:
+    explicit FileLock(int fd) : m_fd(fd) {}
+    int m_fd;
+};
+
+/// A file opened for writing at its end, as the log file uses it. Its own mutex keeps a write
+/// and a close from overlapping, so objects that share it stay safe.
+class OutputFile {
+public:
+    /// Opens or creates the file for writing and moves to its end. Like a file opened for
+    /// writing with read-only sharing, it is refused while another OutputFile holds it open.
+    /// @param truncate empty an existing file first
+    /// @return nullptr when the file cannot be opened or is held by another writer
+    static std::unique_ptr<OutputFile> open(const std::string& path, bool truncate);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// Appends all of `bytes`. @return false once the file is closed or on an I/O error
+    bool write(std::string_view bytes);
+    /// Closes the file; later writes do nothing.
+    void close();
+
+    /// Shared ownership for holders that copy it (a log file and its copies), counted inside the
+    /// file so that no standard-library control block crosses the library's interface. A file
+    /// released from its unique_ptr has one holder.
+    void add_holder();
+    /// Drops one holder; the last one deletes the file, closing it.
+    static void drop_holder(OutputFile* file);
+
+private:
+    explicit OutputFile(int fd) : m_fd(fd) {}
+    std::mutex m_lock;
+    int m_fd;
+    std::atomic<int> m_holders{1};
+};
+
+} // namespace qv5::detail
+
+#endif // QV5_PLATFORM_FILES_H

@@ -1,0 +1,364 @@
+#include "platform/registry_text.h"
+#include "platform/settings_store.h"
+#include "qv5/units.h"
+#include "support/scratch.h"
+#include "units/unit_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using qv5::detail::kRegistryBinary;
+using qv5::detail::kUnitKindCount;
+using qv5::detail::load_unit_choices;
+using qv5::detail::read_registry_file;
+using qv5::detail::RegistryValue;
+using qv5::detail::save_unit_choices;
+using qv5::detail::SettingsKey;
+using qv5::detail::SettingsStore;
+using qv5::test::read_file;
+using qv5::test::ScopedEnvironment;
+using qv5::test::ScratchFolder;
+using qv5::test::write_file;
+
+namespace {
+
+constexpr const char16_t* kKey = u"SOFTWARE\\Halvik\\QV5\\Units";
+
+/// A settings store in memory that records every call made on it.
+class RecordingStore final : public SettingsStore {
+public:
+    struct Write {
+        std::u16string name;
+        std::uint32_t type;
+        std::vector<unsigned char> data;
+    };
+    std::map<std::u16string, std::uint32_t> values;
+    std::vector<std::u16string> reads;
+    std::vector<Write> writes;
+    std::vector<std::string> calls;
+    bool key_exists = true;
+
+    std::unique_ptr<SettingsKey> create_key(std::u16string_view path) override {
+        calls.push_back("create " + std::string(path.begin(), path.end()));
+        key_exists = true;
+        return std::make_unique<Key>(*this);
+    }
+    std::unique_ptr<SettingsKey> open_key(std::u16string_view path) override {
+        calls.push_back("open " + std::string(path.begin(), path.end()));
+        return key_exists ? std::make_unique<Key>(*this) : nullptr;
+    }
+
+private:
+    class Key final : public SettingsKey {
+    public:
+        explicit Key(RecordingStore& store) : m_store(store) {}
+        bool read_u32(std::u16string_view name, std::uint32_t& value) override {
+            m_store.reads.emplace_back(name);
+            const auto found = m_store.values.find(std::u16string(name));
+            if (found == m_store.values.end()) {
+                return false;
+            }
+            value = found->second;
+            return true;
+        }
+        bool write(std::u16string_view name, std::uint32_t type,
+                   const std::vector<unsigned char>& data) override {
+            m_store.writes.push_back(Write{std::u16string(name), type, data});
+            return true;
+        }
+        bool close() override {
+            m_store.calls.emplace_back("close");
+            return true;
+        }
+
+    private:
+        RecordingStore& m_store;
+    };
+};
+
+void defaults(int (&choices)[kUnitKindCount]) {
+    const int values[kUnitKindCount] = {1, 1, 0, 0, 1, 0, 0, 1, 1, 1, 0};
+    std::copy(std::begin(values), std::end(values), std::begin(choices));
+}
+
+TEST(UnitChoicesLoad, ReadsElevenValuesInTheirOrder) {
+    RecordingStore store;
+    int choices[kUnitKindCount];
+    defaults(choices);
+    load_unit_choices(store, kKey, choices);
+    EXPECT_EQ(store.calls,
+              (std::vector<std::string>{"create SOFTWARE\\Halvik\\QV5\\Units", "close"}));
+    EXPECT_EQ(store.reads,
+              (std::vector<std::u16string>{u"Horizontal distance", u"Vertical distance", u"Length",
+                                           u"Angles", u"Bearings", u"Vertical circle", u"Grade",
+                                           u"Stationing", u"Area", u"Volume", u"Coords"}));
+    int expected[kUnitKindCount];
+    defaults(expected);
+    EXPECT_TRUE(std::equal(std::begin(choices), std::end(choices), std::begin(expected)));
+}
+
+TEST(UnitChoicesLoad, StoredValuesReplaceDefaultsAndOutOfRangeReadsAsZero) {
+    RecordingStore store;
+    store.values = {{u"Horizontal distance", 2},
+                    {u"Vertical distance", 3},
+                    {u"Length", 3},
+                    {u"Angles", 2},
+                    {u"Bearings", 7},
+                    {u"Vertical circle", 1},
+                    {u"Grade", 0xFFFFFFFFu},
+                    {u"Stationing", 2},
+                    {u"Area", 4},
+                    {u"Volume", 1},
+                    {u"Coords", 2}};
+    int choices[kUnitKindCount];
+    defaults(choices);
+    load_unit_choices(store, kKey, choices);
+    // In holding order: hd, vd, angles, bearings, length, circle, grade, station, area,
+    // volume, coords. Each limit is its table's row count, compared unsigned.
+    const int expected[kUnitKindCount] = {2, 0, 0, 0, 3, 1, 0, 2, 0, 1, 2};
+    for (int k = 0; k < kUnitKindCount; ++k) {
+        EXPECT_EQ(choices[k], expected[k]) << k;
+    }
+}
+
+TEST(UnitChoicesSave, WritesElevenBinaryValuesInTheirOrder) {
+    RecordingStore store;
+    const int choices[kUnitKindCount] = {0, 2, 1, 3, 2, 1, 2, 0, 3, 0, -1};
+    save_unit_choices(store, kKey, choices);
+    EXPECT_EQ(store.calls,
+              (std::vector<std::string>{"open SOFTWARE\\Halvik\\QV5\\Units", "close"}));
+    ASSERT_EQ(store.writes.size(), 11u);
+    const std::vector<std::u16string> order = {u"Horizontal distance",
+                                               u"Vertical distance",
+                                               u"Bearings",
+                                               u"Angles",
+                                               u"Length",
+                                               u"Vertical circle",
+                                               u"Grade",
+                                               u"Stationing",
+                                               u"Area",
+                                               u"Volume",
+                                               u"Coords"};
+    const unsigned char values[] = {0, 2, 3, 1, 2, 1, 2, 0, 3, 0};
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        EXPECT_EQ(store.writes[i].name, order[i]);
+        EXPECT_EQ(store.writes[i].type, kRegistryBinary); // REG_BINARY, never REG_DWORD
+        ASSERT_EQ(store.writes[i].data.size(), 4u);
+        if (i < 10) {
+            EXPECT_EQ(store.writes[i].data, (std::vector<unsigned char>{values[i], 0, 0, 0}));
+        }
+    }
+    EXPECT_EQ(store.writes[10].data, (std::vector<unsigned char>{0xFF, 0xFF, 0xFF, 0xFF}));
+}
+
+TEST(UnitChoicesSave, AMissingKeyIsNotCreated) {
+    RecordingStore store;
+    store.key_exists = false;
+    const int choices[kUnitKindCount] = {};
+    save_unit_choices(store, kKey, choices);
+    EXPECT_EQ(store.calls, (std::vector<std::string>{"open SOFTWARE\\Halvik\\QV5\\Units"}));
+    EXPECT_TRUE(store.writes.empty());
+}
+
+// ---- through the registry file -------------------------------------------------------------
+
+class UnitsInRegistryFile : public ::testing::Test {
+protected:
+    ScratchFolder scratch;
+    std::string path = scratch.file("registry.reg");
+    ScopedEnvironment registry{"QV5_REGISTRY", path};
+};
+
+TEST_F(UnitsInRegistryFile, AFreshKeyYieldsTheDefaultsAndIsCreated) {
+    {
+        const CQuantityUnits units{CString(kKey)};
+        EXPECT_EQ(units.HorizontalDistance(), units_USSurveyFeet);
+        EXPECT_EQ(units.Length(), units_LengthFeet);
+        EXPECT_EQ(units.Area(), units_SquareFeet);
+        EXPECT_EQ(units.Volume(), units_CubicYards);
+        EXPECT_EQ(units.Stationing(), units_Station1Plus00);
+        EXPECT_TRUE(read_registry_file(path).has_key(kKey));
+    }
+    RegistryValue stored;
+    ASSERT_TRUE(read_registry_file(path).find_value(kKey, u"Area", stored));
+    EXPECT_EQ(stored, (RegistryValue{kRegistryBinary, {1, 0, 0, 0}}));
+}
+
+TEST_F(UnitsInRegistryFile, ChoicesRoundTripBetweenTwoObjects) {
+    {
+        CQuantityUnits units{CString(kKey)};
+        units.SetHorizontalDistance(units_Metres);
+        units.SetVerticalDistance(units_InternationalFeet);
+        units.SetAngles(units_AngleGons);
+        units.SetBearings(units_BearingDecimalDegrees);
+        units.SetLength(units_LengthCentimetres);
+        units.SetGrade(units_GradeRunRise);
+        units.SetStationing(units_Station10Plus0);
+        units.SetArea(units_Hectares);
+        units.SetVolume(units_CubicMetres);
+        units.SetCoords(units_EastNorthElev);
+        units.EnablePopUps(0);
+    }
+    const CQuantityUnits again{CString(kKey)};
+    EXPECT_EQ(again.HorizontalDistance(), units_Metres);
+    EXPECT_EQ(again.VerticalDistance(), units_InternationalFeet);
+    EXPECT_EQ(again.Angles(), units_AngleGons);
+    EXPECT_EQ(again.Bearings(), units_BearingDecimalDegrees);
+    EXPECT_EQ(again.Length(), units_LengthCentimetres);
+    EXPECT_EQ(again.Grade(), units_GradeRunRise);
+    EXPECT_EQ(again.Stationing(), units_Station10Plus0);
+    EXPECT_EQ(again.Area(), units_Hectares);
+    EXPECT_EQ(again.Volume(), units_CubicMetres);
+    EXPECT_EQ(again.Coords(), units_EastNorthElev);
+    EXPECT_EQ(again.PopUpsEnabled(), 1); // never stored
+    EXPECT_EQ(read_file(path).find("opUp"), std::string::npos);
+}
+
+TEST_F(UnitsInRegistryFile, TheFileReadsAsTheRegistryEditorWritesIt) {
+    { const CQuantityUnits units{CString(kKey)}; }
+    EXPECT_EQ(read_file(path), "Windows Registry Editor Version 5.00\n"
+                               "\n"
+                               "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvik\\QV5\\Units]\n"
+                               "\"Horizontal distance\"=hex:01,00,00,00\n"
+                               "\"Vertical distance\"=hex:01,00,00,00\n"
+                               "\"Bearings\"=hex:00,00,00,00\n"
+                               "\"Angles\"=hex:00,00,00,00\n"
+                               "\"Length\"=hex:01,00,00,00\n"
+                               "\"Vertical circle\"=hex:00,00,00,00\n"
+                               "\"Grade\"=hex:00,00,00,00\n"
+                               "\"Stationing\"=hex:01,00,00,00\n"
+                               "\"Area\"=hex:01,00,00,00\n"
+                               "\"Volume\"=hex:01,00,00,00\n"
+                               "\"Coords\"=hex:00,00,00,00\n"
+                               "\n");
+}
+
+TEST_F(UnitsInRegistryFile, AStoredBearingsOfSevenComesBackAsZero) {
+    write_file(path, "Windows Registry Editor Version 5.00\n\n"
+                     "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvik\\QV5\\Units]\n"
+                     "\"Bearings\"=hex:07,00,00,00\n"
+                     "\"Angles\"=dword:00000001\n");
+    const CQuantityUnits units{CString(kKey)};
+    EXPECT_EQ(units.Bearings(), units_BearingDMS);
+    EXPECT_EQ(units.Angles(), units_AngleGons); // a REG_DWORD of four bytes reads too
+}
+
+TEST_F(UnitsInRegistryFile, AnEmptyKeyPathTouchesNothing) {
+    {
+        CQuantityUnits units{CString()};
+        units.SetHorizontalDistance(units_Metres);
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_FALSE(std::filesystem::exists(path + ".lock"));
+}
+
+TEST_F(UnitsInRegistryFile, ACorruptFileLeavesTheDefaultsAndIsKept) {
+    const std::string garbage("\x00\xFF\x13garbage\n[HKEY_LOCAL_MACHINE\\SOFTWARE]\n", 35);
+    write_file(path, garbage);
+    {
+        CQuantityUnits units{CString(kKey)};
+        EXPECT_EQ(units.HorizontalDistance(), units_USSurveyFeet);
+        units.SetHorizontalDistance(units_Metres);
+    }
+    EXPECT_EQ(read_file(path), garbage);
+}
+
+TEST_F(UnitsInRegistryFile, CorruptLinesInARegistryFileLeaveTheirDefaults) {
+    write_file(path, "Windows Registry Editor Version 5.00\n"
+                     "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvik\\QV5\\Units]\n"
+                     "\"Horizontal distance\"=hex:00,00\n"
+                     "\"Length\"=hex:zz,00,00,00\n"
+                     "\"Grade\"=hex:02,00,00,00\n"
+                     "\x01\x02 noise\n");
+    const CQuantityUnits units{CString(kKey)};
+    EXPECT_EQ(units.HorizontalDistance(), units_USSurveyFeet);
+    EXPECT_EQ(units.Length(), units_LengthFeet);
+    EXPECT_EQ(units.Grade(), units_GradeRiseRun);
+}
+
+TEST(UnitsInUnwritableStore, DefaultsStayAndNothingFails) {
+    const ScratchFolder scratch;
+    write_file(scratch.file("plain"), "x");
+    const ScopedEnvironment registry("QV5_REGISTRY", scratch.file("plain/registry.reg"));
+    CQuantityUnits units{CString(kKey)};
+    EXPECT_EQ(units.HorizontalDistance(), units_USSurveyFeet);
+    units.SetHorizontalDistance(units_Metres);
+    EXPECT_EQ(units.MetresToHDistance(2.0), 2.0);
+}
+
+TEST(UnitsInUnwritableStore, NoLocationAtAllKeepsTheDefaults) {
+    const ScopedEnvironment registry("QV5_REGISTRY", "");
+    const ScopedEnvironment config("XDG_CONFIG_HOME", "");
+    const ScopedEnvironment home("HOME", "");
+    const CQuantityUnits units{CString(kKey)};
+    EXPECT_EQ(units.Volume(), units_CubicYards);
+}
+
+TEST_F(UnitsInRegistryFile, ProcessesAndThreadsLeaveOneWrittenSet) {
+    { const CQuantityUnits create{CString(kKey)}; }
+    // Writer w sets every kind to a row derived from w, distinct per writer where the table
+    // allows; a mixed result shows as kinds from different writers.
+    struct Set {
+        int hd, vd, angles, bearings, length, grade, station, area, volume, coords;
+    };
+    const auto set_of = [](int w) {
+        return Set{w % 3, w % 3, w % 2, w % 4, w % 4, w % 3, w % 3, w % 4, w % 2, w % 3};
+    };
+    const auto writer = [&set_of](int w) {
+        for (int round = 0; round < 8; ++round) {
+            CQuantityUnits units{CString(kKey)};
+            const Set s = set_of(w);
+            units.SetHorizontalDistance(s.hd);
+            units.SetVerticalDistance(s.vd);
+            units.SetAngles(s.angles);
+            units.SetBearings(s.bearings);
+            units.SetLength(s.length);
+            units.SetGrade(s.grade);
+            units.SetStationing(s.station);
+            units.SetArea(s.area);
+            units.SetVolume(s.volume);
+            units.SetCoords(s.coords);
+        }
+    };
+    std::vector<pid_t> children;
+    for (int w = 0; w < 3; ++w) {
+        const pid_t pid = fork();
+        if (pid == 0) {
+            writer(w);
+            _exit(0);
+        }
+        children.push_back(pid);
+    }
+    std::vector<std::thread> threads;
+    for (int w = 3; w < 6; ++w) {
+        threads.emplace_back(writer, w);
+    }
+    for (std::thread& t : threads) {
+        t.join();
+    }
+    for (const pid_t pid : children) {
+        int status = 0;
+        waitpid(pid, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    const auto text = read_registry_file(path);
+    ASSERT_TRUE(text.usable());
+    const CQuantityUnits read_back{CString(kKey)};
+    bool matched = false;
+    for (int w = 0; w < 6; ++w) {
+        const Set s = set_of(w);
+        matched = matched ||
+                  (read_back.HorizontalDistance() == s.hd && read_back.VerticalDistance() == s.vd &&
+                   read_back.Angles() == s.angles && read_back.Bearings() == s.bearings &&
+                   read_back.Length() == s.length && read_back.Grade() == s.grade &&
+                   read_back.Stationing() == s.station && read_back.Area() == s.area &&
+                   read_back.Volume() == s.volume && read_back.Coords() == s.coords);
+    }
+    EXPECT_TRUE(matched);
+}
+
+} // namespace

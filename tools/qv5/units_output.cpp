@@ -1,0 +1,240 @@
+#include "units_output.h"
+
+#include "output.h"
+
+#include <fmt/format.h>
+
+namespace qv5::cli {
+namespace {
+
+/// Decimals of grades shown as percentages.
+constexpr int kGradeDecimals = 3;
+
+std::string utf8(const unsigned short* text) {
+    return CString(text).ToUtf8();
+}
+
+bool same_ignoring_case(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; };
+        if (lower(a[i]) != lower(b[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// A library text, or "-" for a value the library formats as empty (GEO_NULL).
+template <class Format>
+std::string formatted(double value, Format format) {
+    if (value == GEO_NULL) {
+        return "-";
+    }
+    unsigned short buffer[CQuantityUnits::kFormatBufferSize] = {};
+    return utf8(format(buffer));
+}
+
+} // namespace
+
+const std::vector<UnitKind>& unit_kinds() {
+    using U = CQuantityUnits;
+    static const std::vector<UnitKind> kinds = {
+        {"horizontal-distance",
+         {"metres", "us-survey-feet", "international-feet"},
+         &U::HorizontalDistance,
+         &U::SetHorizontalDistance,
+         &U::HorizontalDistanceString},
+        {"vertical-distance",
+         {"metres", "us-survey-feet", "international-feet"},
+         &U::VerticalDistance,
+         &U::SetVerticalDistance,
+         &U::VerticalDistanceString},
+        {"length",
+         {"metres", "feet", "inches", "centimetres"},
+         &U::Length,
+         &U::SetLength,
+         &U::LengthString},
+        {"angles", {"dms", "gons"}, &U::Angles, &U::SetAngles, &U::AnglesString},
+        {"bearings",
+         {"dms", "quadrant", "gons", "decimal-degrees"},
+         &U::Bearings,
+         &U::SetBearings,
+         &U::BearingsString},
+        {"vertical-circle",
+         {"zero-at-zenith", "zero-level"},
+         &U::VerticalCircle,
+         nullptr,
+         &U::VerticalCircleString},
+        {"grade", {"percent", "run-rise", "rise-run"}, &U::Grade, &U::SetGrade, &U::GradeString},
+        {"stationing",
+         {"plain", "plus-hundreds", "plus-tens"},
+         &U::Stationing,
+         &U::SetStationing,
+         &U::StationingString},
+        {"area",
+         {"square-metres", "square-feet", "acres", "hectares"},
+         &U::Area,
+         &U::SetArea,
+         &U::AreaString},
+        {"volume", {"cubic-metres", "cubic-yards"}, &U::Volume, &U::SetVolume, &U::VolumeString},
+        {"coords",
+         {"north-east-elev", "east-north-elev", "xyz"},
+         &U::Coords,
+         &U::SetCoords,
+         &U::CoordString},
+    };
+    return kinds;
+}
+
+const UnitKind* find_unit_kind(std::string_view name) {
+    for (const UnitKind& kind : unit_kinds()) {
+        if (same_ignoring_case(kind.name, name)) {
+            return &kind;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<int> find_unit_value(const UnitKind& kind, std::string_view text) {
+    for (std::size_t row = 0; row < kind.values.size(); ++row) {
+        const int r = static_cast<int>(row);
+        if (same_ignoring_case(kind.values[row], text) ||
+            same_ignoring_case(display_name(kind, r), text) || std::to_string(row) == text) {
+            return r;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string display_name(const UnitKind& kind, int row) {
+    const CQuantityUnits tables{CString()};
+    CString name;
+    name.LoadString((tables.*kind.display_name)(row));
+    return name.ToUtf8();
+}
+
+std::string joined(const std::vector<std::string_view>& names) {
+    std::string out;
+    for (const std::string_view name : names) {
+        if (!out.empty()) {
+            out += ", ";
+        }
+        out += name;
+    }
+    return out;
+}
+
+DisplayUnits::DisplayUnits(bool raw) {
+    if (!raw) {
+        m_units.emplace(CString(kUnitsKey));
+    }
+}
+
+std::string DisplayUnits::distance(double metres, int raw_decimals) const {
+    if (raw()) {
+        return metres == GEO_NULL ? "-" : fixed(metres, raw_decimals) + " m";
+    }
+    return formatted(metres, [&](unsigned short* b) {
+        return m_units->FormatHDistance(metres, m_units->HDistPrecision(), b);
+    });
+}
+
+std::string DisplayUnits::height(double metres, int raw_decimals) const {
+    if (raw()) {
+        return metres == GEO_NULL ? "-" : fixed(metres, raw_decimals) + " m";
+    }
+    return formatted(metres, [&](unsigned short* b) {
+        return m_units->FormatVDistance(metres, m_units->VDistPrecision(), b);
+    });
+}
+
+std::string DisplayUnits::station(double metres, int raw_decimals) const {
+    if (raw()) {
+        return metres == GEO_NULL ? "-" : fixed(metres, raw_decimals) + " m";
+    }
+    return formatted(metres, [&](unsigned short* b) {
+        return m_units->FormatStationing(metres, m_units->HDistPrecision(), b);
+    });
+}
+
+std::string DisplayUnits::bearing(double radians, int raw_decimals) const {
+    if (raw()) {
+        return radians == GEO_NULL ? "-" : fixed(radians, raw_decimals) + " rad";
+    }
+    return formatted(radians,
+                     [&](unsigned short* b) { return m_units->FormatBearing(radians, b); });
+}
+
+std::string DisplayUnits::grade(double radians, int raw_decimals) const {
+    if (raw()) {
+        return radians == GEO_NULL ? "-" : fixed(radians, raw_decimals) + " rad";
+    }
+    return formatted(radians, [&](unsigned short* b) {
+        return m_units->FormatGrade(radians, kGradeDecimals, b);
+    });
+}
+
+std::array<std::pair<std::string, std::string>, 3> DisplayUnits::position(const geo_nee& point,
+                                                                          int raw_decimals) const {
+    if (raw()) {
+        return {{{"North", distance(point.north, raw_decimals)},
+                 {"East", distance(point.east, raw_decimals)},
+                 {"Elevation", height(point.elev, raw_decimals)}}};
+    }
+    const units_yxz yxz{point.north, point.east, point.elev};
+    const auto text = [](const unsigned short* t) {
+        const std::string s = utf8(t);
+        return s.empty() ? std::string("-") : s;
+    };
+    // FormatXOrdinate and FormatYOrdinate both leave the result alone when the first ordinate
+    // is GEO_NULL; start each from empty so that that shows as "-".
+    CString first;
+    CString second;
+    CString third;
+    static const char* const kLabels[][2] = {{"North", "East"}, {"East", "North"}, {"X", "Y"}};
+    const int order = m_units->Coords() >= 0 && m_units->Coords() <= 2 ? m_units->Coords() : 0;
+    return {
+        {{kLabels[order][0], text(m_units->FormatXOrdinate(yxz, first, 0))},
+         {kLabels[order][1], text(m_units->FormatYOrdinate(yxz, second, 0))},
+         {order == units_XYZ ? "Z" : "Elevation", text(m_units->FormatZOrdinate(yxz, third, 0))}}};
+}
+
+std::string DisplayUnits::legend() const {
+    if (raw()) {
+        return "Metres and radians.";
+    }
+    const auto name_of = [this](std::string_view kind_name) {
+        const UnitKind& kind = *find_unit_kind(kind_name);
+        return display_name(kind, (*m_units.*kind.get)());
+    };
+    return fmt::format("Distances in {}, heights in {}; stations {}; bearings {}; grades {}.\n"
+                       "Change them with 'qv5 units set', or use --raw for metres and radians.",
+                       name_of("horizontal-distance"), name_of("vertical-distance"),
+                       name_of("stationing"), name_of("bearings"), name_of("grade"));
+}
+
+nlohmann::json DisplayUnits::description() const {
+    nlohmann::json out = nlohmann::json::object();
+    if (raw()) {
+        return out;
+    }
+    for (const UnitKind& kind : unit_kinds()) {
+        const int row = (*m_units.*kind.get)();
+        if (row >= 0 && static_cast<std::size_t>(row) < kind.values.size()) {
+            out[std::string(kind.name)] = std::string(kind.values[static_cast<std::size_t>(row)]);
+        } else {
+            out[std::string(kind.name)] = row;
+        }
+    }
+    return out;
+}
+
+void add_raw_flag(CLI::App& command, bool& raw) {
+    command.add_flag("--raw", raw,
+                     "Show plain metres and radians instead of the units chosen with 'qv5 units'");
+}
+
+} // namespace qv5::cli

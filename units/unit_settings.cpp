@@ -1,0 +1,53 @@
+// The unit choices in the settings store. The read and write orders differ (bearings and
+// angles, length) and the values are REG_BINARY rather than REG_DWORD: stores written by earlier
+// hosts look exactly like this, so both are kept.
+#include "units/unit_settings.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace qv5::detail {
+
+void load_unit_choices(SettingsStore& store, std::u16string_view key,
+                       int (&choices)[kUnitKindCount]) noexcept {
+    try {
+        const std::unique_ptr<SettingsKey> opened = store.create_key(key);
+        if (opened == nullptr) {
+            return;
+        }
+        for (const StoredChoice& choice : kChoiceReadOrder) {
+            // Pre-set to the current choice, so that a missing value keeps it.
+            auto value = static_cast<std::uint32_t>(choices[choice.kind]);
+            opened->read_u32(choice.name, value);
+            const auto rows = static_cast<std::uint32_t>(kUnitRowCount[choice.kind]);
+            choices[choice.kind] = value < rows ? static_cast<int>(value) : 0;
+        }
+        opened->close();
+    } catch (...) {
+        // Out of memory while reading the store: what was read so far stays in force.
+    }
+}
+
+void save_unit_choices(SettingsStore& store, std::u16string_view key,
+                       const int (&choices)[kUnitKindCount]) noexcept {
+    try {
+        const std::unique_ptr<SettingsKey> opened = store.open_key(key);
+        if (opened == nullptr) {
+            return;
+        }
+        for (const StoredChoice& choice : kChoiceWriteOrder) {
+            const auto value = static_cast<std::uint32_t>(choices[choice.kind]);
+            const std::vector<unsigned char> bytes = {
+                static_cast<unsigned char>(value & 0xFF),
+                static_cast<unsigned char>((value >> 8) & 0xFF),
+                static_cast<unsigned char>((value >> 16) & 0xFF),
+                static_cast<unsigned char>(value >> 24)};
+            opened->write(choice.name, kRegistryBinary, bytes);
+        }
+        opened->close();
+    } catch (...) {
+        // Out of memory while writing: the store keeps what it had.
+    }
+}
+
+} // namespace qv5::detail
