@@ -374,9 +374,5 @@ void register_all() {
 } // namespace
 
 int main(int argc, char** argv) {
-    register_all();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return qv5::bench::run_benchmarks(argc, argv, register_all);
 }

@@ -65,6 +65,16 @@ void single(const std::string& name, Library library) {
                                  [library](benchmark::State& state) { cycle(state, library); });
 }
 
+/// The main of a benchmark program: registers its benchmarks, then runs those the command line
+/// asks for.
+inline int run_benchmarks(int argc, char** argv, void (*register_all)()) {
+    register_all();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
+
 } // namespace qv5::bench
 
 #endif

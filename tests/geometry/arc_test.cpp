@@ -64,6 +64,15 @@ bool all_null(CGeoPoint& p) {
     return p.Northing() == GEO_NULL && p.Easting() == GEO_NULL && p.Elevation() == GEO_NULL;
 }
 
+/// True when the arc gives no station, offset or azimuth for the point: all three null.
+bool no_deltas(CGeoArc& arc, CGeoPoint& p) {
+    double station = 0.0;
+    double offset = 0.0;
+    double azimuth = 0.0;
+    arc.GridDeltas(p, station, offset, azimuth);
+    return station == GEO_NULL && offset == GEO_NULL && azimuth == GEO_NULL;
+}
+
 // ---------------------------------------------------------------------------------------------
 // Definition and derivations
 
@@ -152,13 +161,7 @@ TEST(ArcDefaults, NeverSetArcReportsRightAndNullRadius) {
     EXPECT_EQ(arc.CentrePt().Ok2DGrid(), 0);
     EXPECT_EQ(arc.EndPt().Ok2DGrid(), 0);
     CGeoPoint p(geo_nee{1.0, 2.0, 3.0});
-    double station = 0.0;
-    double offset = 0.0;
-    double azimuth = 0.0;
-    arc.GridDeltas(p, station, offset, azimuth);
-    EXPECT_EQ(station, GEO_NULL);
-    EXPECT_EQ(offset, GEO_NULL);
-    EXPECT_EQ(azimuth, GEO_NULL);
+    EXPECT_TRUE(no_deltas(arc, p));
     CGeoPoint result(geo_nee{7.0, 8.0, 9.0});
     arc.GridHorzPoint(1.0, result);
     EXPECT_EQ(result.Northing(), 7.0); // untouched
@@ -203,13 +206,7 @@ TEST(ArcDerivation, NonFiniteInputsDeriveNoCentre) {
     arc.Set(start, std::numeric_limits<double>::infinity(), 100.0, 50.0, geodef_Right, 0.0);
     EXPECT_EQ(arc.CentrePt().Ok2DGrid(), 0);
     CGeoPoint p(geo_nee{10.0, 10.0, 0.0});
-    double station = 0.0;
-    double offset = 0.0;
-    double azimuth = 0.0;
-    arc.GridDeltas(p, station, offset, azimuth);
-    EXPECT_EQ(station, GEO_NULL);
-    EXPECT_EQ(offset, GEO_NULL);
-    EXPECT_EQ(azimuth, GEO_NULL);
+    EXPECT_TRUE(no_deltas(arc, p));
     arc.Set(start, 0.0, std::numeric_limits<double>::quiet_NaN(), 50.0, geodef_Right, 0.0);
     EXPECT_EQ(arc.CentrePt().Ok2DGrid(), 0);
     CGeoPoint end(geo_nee{100.0, 100.0, 0.0});
@@ -224,11 +221,7 @@ TEST(ArcDerivation, AFailedCentreLeavesNoCentreOfAnEarlierDefinition) {
     arc.Set(nowhere, 0.0, 100.0, 50.0, geodef_Right, 0.0);
     EXPECT_EQ(arc.CentrePt().Ok2DGrid(), 0);
     CGeoPoint p(geo_nee{1000.0, 2000.0, 0.0});
-    double station = 0.0;
-    double offset = 0.0;
-    double azimuth = 0.0;
-    arc.GridDeltas(p, station, offset, azimuth);
-    EXPECT_EQ(station, GEO_NULL);
+    EXPECT_TRUE(no_deltas(arc, p));
 }
 
 TEST(ArcDerivation, TinyRadiusMakesEveryDistanceBasedPositionNull) {
@@ -423,13 +416,7 @@ TEST(ArcDeltas, PointExactlyOnTheStartRadiusOfARightTurnIsStationZero) {
 TEST(ArcDeltas, PointWithoutPlanCoordinatesGivesThreeNulls) {
     CGeoArc arc = quarter_right();
     CGeoPoint nowhere;
-    double station = 0.0;
-    double offset = 0.0;
-    double azimuth = 0.0;
-    arc.GridDeltas(nowhere, station, offset, azimuth);
-    EXPECT_EQ(station, GEO_NULL);
-    EXPECT_EQ(offset, GEO_NULL);
-    EXPECT_EQ(azimuth, GEO_NULL);
+    EXPECT_TRUE(no_deltas(arc, nowhere));
 }
 
 TEST(ArcDeltas, AgreesToTheLastBitWithTheRadiusLines) {
