@@ -10,6 +10,41 @@
 
 namespace qv5::detail {
 
+/// Azimuth, horizontal distance and grade of a line built from a start point.
+struct Heading {
+    double azimuth;
+    double distance;
+    double grade;
+};
+
+/// The heading CGeoLine::Set(start, azimuth, distance, grade) runs: a negative distance runs the
+/// reversed azimuth with the negated grade; otherwise the azimuth is taken as given, without
+/// normalising.
+inline Heading forwards(double azimuth, double distance, double grade) {
+    if (distance < 0.0) {
+        return {normalised_bearing(azimuth + kPi), std::fabs(distance), -grade};
+    }
+    return {azimuth, distance, grade};
+}
+
+/// The far end of a step from `start` with the cosine and sine of its azimuth, a non-negative
+/// distance and the tangent of its grade. The start's coordinates are used as numbers (the
+/// caller tests them for `GEO_NULL`); a `GEO_NULL` elevation stays `GEO_NULL`.
+inline geo_nee step_end(const geo_nee& start, double cos_azimuth, double sin_azimuth,
+                        double distance, double tan_grade) {
+    geo_nee end;
+    end.north = start.north + cos_azimuth * distance;
+    end.east = start.east + sin_azimuth * distance;
+    end.elev = start.elev == GEO_NULL ? GEO_NULL : start.elev + tan_grade * distance;
+    return end;
+}
+
+/// The end point of CGeoLine::Set(start, heading's azimuth, distance, grade).
+inline geo_nee graded_step(const geo_nee& start, const Heading& heading) {
+    return step_end(start, std::cos(heading.azimuth), std::sin(heading.azimuth), heading.distance,
+                    std::tan(heading.grade));
+}
+
 /// Level steps in plan along one azimuth, as CGeoLine::Set(start, azimuth, distance, 0) makes
 /// them: a negative distance runs the reversed azimuth (grade -0), as the line does, so that
 /// elements built from such steps agree with lines to the last bit. The sine and cosine of the
@@ -33,15 +68,7 @@ public:
             sense(backwards, c, s);
         }
         // The line's grade is 0 forwards and -0 backwards; tan keeps the sign of a zero.
-        const double tan_grade = backwards ? -0.0 : 0.0;
-        if (backwards) {
-            distance = std::fabs(distance);
-        }
-        geo_nee end;
-        end.north = start.north + c * distance;
-        end.east = start.east + s * distance;
-        end.elev = start.elev == GEO_NULL ? GEO_NULL : start.elev + tan_grade * distance;
-        return end;
+        return step_end(start, c, s, std::fabs(distance), backwards ? -0.0 : 0.0);
     }
 
 private:
