@@ -9,7 +9,7 @@
 //   CGeoTransformation chain  +proj=pipeline of that stere and an affine step carrying the
 //                             solved similarity and plane (forward, inverse)
 // bench/ratios.py pairs them through its BASELINES table.
-#include "bench_inputs.h"
+#include "bench_support.h"
 
 #include "qv5/qv5lib.h"
 
@@ -272,9 +272,5 @@ void register_all() {
 } // namespace
 
 int main(int argc, char** argv) {
-    register_all();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return qv5::bench::run_benchmarks(argc, argv, register_all);
 }

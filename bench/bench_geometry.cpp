@@ -4,7 +4,7 @@
 // a plain function, called through a function pointer the compiler cannot see through, so that
 // both sides pay for one indirect call and the ratio shows what the library adds (null handling,
 // caches, normalisation). bench/ratios.py turns a JSON run into the table of docs/performance.md.
-#include "bench_inputs.h"
+#include "bench_support.h"
 
 #include "qv5/qv5lib.h"
 
@@ -15,27 +15,9 @@
 #include <string>
 #include <vector>
 
-#define QV5_BARE [[gnu::noinline]]
-
 namespace {
 
-using qv5::bench::inputs;
-using qv5::bench::next;
-using qv5::bench::pair;
-
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kPi = 3.141592653589793;
-constexpr double kHalfPi = 1.5707963267948966;
-
-inline double bare_normalise(double b) {
-    while (b >= kTwoPi) {
-        b -= kTwoPi;
-    }
-    while (b < 0.0) {
-        b += kTwoPi;
-    }
-    return b;
-}
+using namespace qv5::bench;
 
 // ---- the bare maths ------------------------------------------------------------------------
 
@@ -202,14 +184,6 @@ QV5_BARE void bare_horz_offset_point_impl(const geo_nee& a, const geo_nee& b, do
     out.north = a.north + std::cos(az) * s + std::cos(perp) * o;
     out.east = a.east + std::sin(az) * s + std::sin(perp) * o;
     out.elev = a.elev + std::tan(grade) * s;
-}
-
-/// The baselines are called through a pointer the compiler cannot see through, as a call into a
-/// shared library goes through the GOT: both sides pay for the same kind of call.
-template <class Function>
-Function* opaque(Function* function) {
-    benchmark::DoNotOptimize(function);
-    return function;
 }
 
 // ---- benchmarks ----------------------------------------------------------------------------
@@ -400,9 +374,5 @@ void register_all() {
 } // namespace
 
 int main(int argc, char** argv) {
-    register_all();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return qv5::bench::run_benchmarks(argc, argv, register_all);
 }

@@ -5,12 +5,9 @@
 
 #include "qv5/geodef.h"
 
-#include <benchmark/benchmark.h>
-
 #include <array>
 #include <cstddef>
 #include <random>
-#include <string>
 
 namespace qv5::bench {
 
@@ -42,26 +39,6 @@ inline const Inputs& inputs() {
 
 inline std::size_t next(std::size_t i) {
     return (i + 1) & (kTableSize - 1);
-}
-
-/// Runs `body(i)` once per iteration with i cycling through the input tables.
-template <class Body>
-void cycle(benchmark::State& state, Body body) {
-    std::size_t i = 0;
-    for (auto _ : state) {
-        body(i);
-        i = next(i);
-    }
-}
-
-/// Registers BM_<name> and its baseline BM_<name><suffix>; each body takes the input index.
-template <class Library, class Baseline>
-void pair(const std::string& name, Library library, Baseline baseline,
-          const std::string& suffix = "_Bare") {
-    benchmark::RegisterBenchmark(("BM_" + name).c_str(),
-                                 [library](benchmark::State& state) { cycle(state, library); });
-    benchmark::RegisterBenchmark(("BM_" + name + suffix).c_str(),
-                                 [baseline](benchmark::State& state) { cycle(state, baseline); });
 }
 
 } // namespace qv5::bench

@@ -6,6 +6,13 @@ import sys
 
 # Benchmarks whose baseline is not simply <name>_Bare: name -> baseline name.
 BASELINES = {
+    # The spiral's inversion is an iteration of point evaluations: compare it with one.
+    "BM_CGeoEntrySpiral_GridDeltas_GoodGuess_Right": "BM_CGeoEntrySpiral_GridHorzPoint",
+    "BM_CGeoEntrySpiral_GridDeltas_GoodGuess_Left": "BM_CGeoEntrySpiral_GridHorzPoint",
+    "BM_CGeoEntrySpiral_GridDeltas_GoodGuess_Centreline": "BM_CGeoEntrySpiral_GridHorzPoint",
+    "BM_CGeoEntrySpiral_GridDeltas_ExactGuess_Right": "BM_CGeoEntrySpiral_GridHorzPoint",
+    "BM_CGeoEntrySpiral_GridDeltas_PoorGuess_Right": "BM_CGeoEntrySpiral_GridHorzPoint",
+    "BM_CGeoEntrySpiral_GridDeltas_PoorGuess_Left": "BM_CGeoEntrySpiral_GridHorzPoint",
     "BM_CQuantityUnits_Destroy": "BM_CQuantityUnits_Construct_Bare",
     "BM_CQuantityUnits_DestroyChanged": "BM_CQuantityUnits_Construct_Bare",
     # The geodesy (bench_geodesy) is timed beside PROJ doing the same work.

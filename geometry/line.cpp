@@ -4,6 +4,7 @@
 #include "geometry/angles.h"
 #include "geometry/constants.h"
 #include "geometry/point_access.h"
+#include "geometry/traverse.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,10 +13,6 @@
 using namespace qv5::detail;
 
 namespace {
-
-bool has_plan(const geo_nee& grid) {
-    return grid.north != GEO_NULL && grid.east != GEO_NULL;
-}
 
 /// The grids of both ends when both have plan coordinates; the second end is not derived when
 /// the first has none.
@@ -28,32 +25,10 @@ bool plan_of_ends(CGeoPoint& start, CGeoPoint& end, geo_nee& start_grid, geo_nee
     return has_plan(end_grid);
 }
 
-/// Azimuth, horizontal distance and grade of a line built from a start point.
-struct Heading {
-    double azimuth;
-    double distance;
-    double grade;
-};
-
-/// A negative distance runs the reversed azimuth with the negated grade; otherwise the azimuth
-/// is taken as given, without normalising.
-Heading forwards(double azimuth, double distance, double grade) {
-    if (distance < 0.0) {
-        return {normalised_bearing(azimuth + kPi), std::fabs(distance), -grade};
-    }
-    return {azimuth, distance, grade};
-}
-
 /// The far end of a line from `start` along `heading`: the plan position by the azimuth and
 /// distance, the elevation by the grade (none when the start has none).
 geo_nee far_end(CGeoPoint& start, const Heading& heading) {
-    const geo_nee from = grid_of(start);
-    geo_nee end;
-    end.north = from.north + std::cos(heading.azimuth) * heading.distance;
-    end.east = from.east + std::sin(heading.azimuth) * heading.distance;
-    end.elev =
-        from.elev == GEO_NULL ? GEO_NULL : from.elev + std::tan(heading.grade) * heading.distance;
-    return end;
+    return graded_step(grid_of(start), heading);
 }
 
 bool same_bits(const geo_nee& a, const geo_nee& b) {

@@ -1,6 +1,6 @@
 /// @file geosurvey.h
 /// Elementary survey computations: bearings, distances, gradients, observations, polygon and
-/// line tests, arcs, midpoints, areas and angle conversions.
+/// line tests, arcs, clothoid spirals, midpoints, areas and angle conversions.
 ///
 /// All functions are pure and reentrant. Angles are radians, distances metres, bearings are
 /// clockwise from grid north; see docs/conventions.md. Functions that document a `GEO_NULL`
@@ -84,6 +84,27 @@ QV5_API double geo_arc_angle_to_length(double angle, double radius);
 
 /// Central angle of an arc length on a radius; `GEO_NULL` if either is, or if |radius| < 0.0005.
 QV5_API double geo_arc_length_to_angle(double length, double radius);
+
+/// Deflection of a clothoid's tangent at a distance from its straight end: l^2 / C radians,
+/// computed as (l / C) * l. For C = 2 R L this is L / (2 R) at the full length L.
+/// @param distance metres from the straight end; 0 and below give 0
+/// @param spiralConstant C = 2 x radius x length of the spiral, square metres
+/// @return the deflection; `GEO_NULL` when an argument is `GEO_NULL` or the result is not
+///         finite (C = 0 with a positive distance)
+QV5_API double geo_spiral_deflection(double distance, double spiralConstant);
+
+/// Position of the point at a distance along a clothoid from its straight end, from the
+/// clothoid series, in the frame of the straight.
+/// @param distance metres from the straight end
+/// @param spiralConstant C = 2 x radius x length, square metres
+/// @param tolerance metres: each series stops after the first term smaller than this, and
+///        has converged within it; at most nine correction terms are added
+/// @param[out] x metres along the straight
+/// @param[out] y metres across it, positive whichever way the spiral turns
+/// Both outputs are `GEO_NULL` when a series does not converge (a spiral too long for its
+/// radius), or an argument is `GEO_NULL`.
+QV5_API void geo_spiral_deltas(double distance, double spiralConstant, double tolerance, double& x,
+                               double& y);
 
 /// Bearing that bisects the smaller angle between two bearings, measured from bearing1.
 QV5_API double geo_bisected_bearing(double bearing1, double bearing2);

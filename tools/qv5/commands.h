@@ -22,6 +22,8 @@ CommandRunner add_follow_command(CLI::App& app);
 CommandRunner add_calibrate_command(CLI::App& app);
 /// `convert`: WGS84 to grid and back through a saved calibration.
 CommandRunner add_convert_command(CLI::App& app);
+/// `element`: one line, arc or spiral evaluated at a station and offset, or inverted for a point.
+CommandRunner add_element_command(CLI::App& app);
 /// `units`: the user's unit choices, shown and set.
 CommandRunner add_units_command(CLI::App& app);
 

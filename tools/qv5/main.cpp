@@ -18,6 +18,7 @@ int main(int argc, char** argv) {
     const CommandRunner follow = add_follow_command(app);
     const CommandRunner calibrate = add_calibrate_command(app);
     const CommandRunner convert = add_convert_command(app);
+    const CommandRunner element = add_element_command(app);
     const CommandRunner units = add_units_command(app);
 
     try {
@@ -45,6 +46,9 @@ int main(int argc, char** argv) {
         }
         if (app.got_subcommand("convert")) {
             return convert();
+        }
+        if (app.got_subcommand("element")) {
+            return element();
         }
         if (app.got_subcommand("units")) {
             return units();
