@@ -17,7 +17,7 @@ constexpr geo_hvd kNullObs{GEO_NULL, GEO_NULL, GEO_NULL};
 
 CGeoPoint::CGeoPoint()
     : m_grid(kNullGrid), m_wgs84(kNullWgs84), m_obs(kNullObs), m_flags(0), m_station(nullptr),
-      m_hi(GEO_NULL), m_transformation(nullptr) {}
+      m_hi(GEO_NULL), m_transformation(nullptr), m_given(0) {}
 
 CGeoPoint::CGeoPoint(const geo_nee& grid) : CGeoPoint() {
     SetGrid(grid);
@@ -32,6 +32,7 @@ CGeoPoint::~CGeoPoint() = default;
 void CGeoPoint::SetGrid(const geo_nee& grid) {
     m_grid = grid;
     m_flags = PT_GRID;
+    m_given = PT_GRID;
 }
 
 void CGeoPoint::SetGrid(double north, double east, double elevation) {
@@ -42,6 +43,7 @@ void CGeoPoint::SetHVD(const geo_hvd& obs, CGeoPoint& station) {
     m_obs = obs;
     m_station = &station;
     m_flags = PT_OBS;
+    m_given = PT_OBS;
 }
 
 void CGeoPoint::SetHVD(double hz, double vz, double dist, CGeoPoint& station) {
@@ -57,11 +59,13 @@ void CGeoPoint::SetStation(const CGeoPoint& point, double hi) {
 void CGeoPoint::SetWGS84(const geo_llh& wgs84) {
     m_wgs84 = wgs84;
     m_flags = PT_WGS84;
+    m_given = PT_WGS84;
 }
 
 void CGeoPoint::SetTransformation(CGeoTransformation& transformation) {
     m_transformation = &transformation;
-    m_flags = 0;
+    // Derived values belong to the old calibration (or to none); the definition does not.
+    m_flags = m_given | (m_flags & PT_STATION);
 }
 
 double CGeoPoint::HI() const {

@@ -71,8 +71,10 @@ public:
     /// station.
     void SetWGS84(const geo_llh& wgs84);
     /// Attaches the site calibration used between grid and WGS84 (referred to, not copied).
-    /// Every flag is cleared, the definition included: the point then knows nothing until it is
-    /// set again, and the next request derives from scratch.
+    /// Every derived value is forgotten, so the next request derives afresh through the new
+    /// calibration; what the point was given (its grid, its WGS84 position or its observation,
+    /// and its role as instrument station) is kept. A point whose grid could not be derived
+    /// before a calibration was attached therefore gets it on the next request.
     void SetTransformation(CGeoTransformation& transformation);
 
     /// Instrument height above the point when it serves as a station; `GEO_NULL` by default.
@@ -127,6 +129,7 @@ private:
     CGeoPoint* m_station;
     double m_hi;
     CGeoTransformation* m_transformation;
+    std::uint64_t m_given; // the PT_ bit of what the last Set gave: PT_GRID, PT_WGS84 or PT_OBS
 };
 
 /// A growable array of points held by value that keeps the bounding extents of what it holds.

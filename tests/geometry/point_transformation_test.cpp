@@ -6,6 +6,7 @@
 // expected values are the transformation's own conversions of the same inputs.
 #include "qv5/geo7ptrans.h"
 #include "qv5/geopoint.h"
+#include "qv5/geosurvey.h"
 #include "qv5/geotrans.h"
 
 #include <gtest/gtest.h>
@@ -100,7 +101,7 @@ TEST(PointWgs84, UncalibratedTransformationGivesNullGrid) {
     EXPECT_EQ(p.Flags(), kWgs84 | kGrid); // the failure is cached
 }
 
-TEST(PointWgs84, FailedDerivationStaysCachedUntilTheFlagsAreCleared) {
+TEST(PointWgs84, FailedDerivationStaysCachedUntilACalibrationIsAttached) {
     CGeoTransformation t;
     CGeoPoint p;
     p.SetTransformation(t);
@@ -109,22 +110,66 @@ TEST(PointWgs84, FailedDerivationStaysCachedUntilTheFlagsAreCleared) {
     calibrate(t);
     EXPECT_EQ(p.Northing(), GEO_NULL); // still the cached failure
     p.SetTransformation(t);
-    // Every flag is cleared, the WGS84 definition included: nothing is left to derive from.
-    EXPECT_EQ(p.Flags(), 0u);
-    EXPECT_EQ(p.Northing(), GEO_NULL);
-    // With the position given again, the next request derives it afresh and succeeds.
-    p.SetTransformation(t);
-    p.SetWGS84(kPosition);
+    EXPECT_EQ(p.Flags(), kWgs84); // the derived grid is forgotten, the position kept
     geo_nee expected{};
     t.Forward(kPosition, expected);
     EXPECT_EQ(p.Northing(), expected.north);
+    EXPECT_EQ(p.Easting(), expected.east);
+    EXPECT_EQ(p.Elevation(), expected.elev);
 }
 
-TEST(PointWgs84, SetTransformationAfterSetWgs84ForgetsThePosition) {
+TEST(PointWgs84, PositionGivenBeforeTheCalibrationIsConvertedOnceItIsAttached) {
     CGeoTransformation t;
     calibrate(t);
     CGeoPoint p;
     p.SetWGS84(kPosition);
+    EXPECT_EQ(p.Northing(), GEO_NULL); // no calibration attached: the failure is cached
+    p.SetTransformation(t);
+    geo_nee expected{};
+    t.Forward(kPosition, expected);
+    EXPECT_EQ(p.Northing(), expected.north);
+    EXPECT_EQ(p.WGS84Lat(), kPosition.lat);
+}
+
+TEST(PointWgs84, AttachingACalibrationKeepsAGivenGridAndForgetsItsDerivedPosition) {
+    CGeoTransformation t;
+    calibrate(t);
+    CGeoTransformation none; // not calibrated
+    CGeoPoint p;
+    p.SetTransformation(none);
+    p.SetGrid(5500.0, 2500.0, 404.0);
+    EXPECT_EQ(p.WGS84Lat(), GEO_NULL); // cached failure
+    p.SetTransformation(t);
+    EXPECT_EQ(p.Flags(), kGrid);
+    EXPECT_EQ(p.Northing(), 5500.0);
+    geo_llh expected{};
+    t.Reverse(geo_nee{5500.0, 2500.0, 404.0}, expected);
+    EXPECT_EQ(p.WGS84Lat(), expected.lat);
+}
+
+TEST(PointWgs84, AttachingACalibrationKeepsAnObservationAndTheStationRole) {
+    CGeoTransformation t;
+    calibrate(t);
+    CGeoPoint known(geo_nee{5000.0, 2000.0, 402.0});
+    CGeoPoint station;
+    station.SetStation(known, 1.6);
+    station.SetTransformation(t);
+    EXPECT_EQ(station.Flags(), kGrid | CGeoPoint::PT_STATION);
+    EXPECT_EQ(station.HI(), 1.6);
+
+    CGeoPoint shot;
+    shot.SetHVD(0.5, 1.5, 120.0, station);
+    shot.SetTransformation(t);
+    EXPECT_EQ(shot.Flags(), kObs);
+    geo_nee reduced{};
+    geo_reduce_obs(geo_hvd{0.5, 1.5, 120.0}, geo_nee{5000.0, 2000.0, 402.0}, 1.6, reduced);
+    EXPECT_EQ(shot.Northing(), reduced.north);
+}
+
+TEST(PointWgs84, AttachingACalibrationToAnEmptyPointLeavesItEmpty) {
+    CGeoTransformation t;
+    calibrate(t);
+    CGeoPoint p;
     p.SetTransformation(t);
     EXPECT_EQ(p.Flags(), 0u);
     EXPECT_EQ(p.Northing(), GEO_NULL);
