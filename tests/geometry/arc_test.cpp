@@ -3,6 +3,7 @@
 #include "geometry/arc_math.h"
 #include "qv5/geoarc.h"
 #include "qv5/geosurvey.h"
+#include "support/test_numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -14,20 +15,15 @@
 
 namespace {
 
+using qv5::test::bits_of;
+using qv5::test::kHalfPi;
+using qv5::test::kPi;
+using qv5::test::kTwoPi;
+
 /// Closed-form coordinates and lengths of a few thousand metres: metres.
 constexpr double kTol = 1e-9;
 /// Angles from a few operations: radians.
 constexpr double kAngleTol = 1e-12;
-
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kHalfPi = 1.5707963267948966;
-
-std::uint64_t bits_of(double value) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
 
 /// Start (1000, 2000, 50) heading north, radius 100, a quarter turn to the right: the centre
 /// lies at (1000, 2100) and the end at (1100, 2100).

@@ -4,6 +4,7 @@
 #include "qv5/geoline.h"
 #include "qv5/geospiral.h"
 #include "qv5/geosurvey.h"
+#include "support/test_numbers.h"
 
 #include "support/clothoid_reference.h"
 
@@ -17,14 +18,15 @@
 
 namespace {
 
+using qv5::test::bits_of;
+using qv5::test::kHalfPi;
+using qv5::test::kPi;
+using qv5::test::kTwoPi;
+
 /// Closed forms and positions rebuilt from the same series values: metres.
 constexpr double kTol = 1e-9;
 /// Angles from a few operations: radians.
 constexpr double kAngleTol = 1e-12;
-
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kHalfPi = 1.5707963267948966;
 
 constexpr double kInfinite = 2e100;
 
@@ -36,12 +38,6 @@ constexpr double kAzimuth = 0.4;
 constexpr double kEndX = 49.68840292036703;
 constexpr double kEndY = 4.148102426827097;
 const geo_nee kStart{2000.0, 1000.0, 25.0};
-
-std::uint64_t bits_of(double value) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
 
 template <class Spiral>
 Spiral reference(geodef_Direction direction) {

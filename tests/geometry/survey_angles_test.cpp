@@ -1,6 +1,7 @@
 // Bearings and angle conversions: normalisation, divergence, bisection, face change, degrees,
 // radians and degrees-minutes-seconds.
 #include "qv5/geosurvey.h"
+#include "support/test_numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -12,29 +13,19 @@
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kHalfPi = 1.5707963267948966;
+using qv5::test::bits_of;
+using qv5::test::is_geo_null;
+using qv5::test::kHalfPi;
+using qv5::test::kPi;
+using qv5::test::kTwoPi;
+using qv5::test::radians;
+
 // Radians. The closed forms here are a few operations on values of a few radians, a handful of
 // ulps; 1e-12 rad is a micrometre at a kilometre.
 constexpr double kAngleTol = 1e-12;
 // Seconds of arc. The conversion works in seconds (up to about 1.3e6 for a whole turn, ulp
 // 2.3e-10), so a few ulps of that.
 constexpr double kSecondsTol = 1e-8;
-
-double radians(double degrees) {
-    return degrees * (kPi / 180.0);
-}
-
-std::uint64_t bits_of(double value) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
-bool is_geo_null(double value) {
-    return bits_of(value) == bits_of(GEO_NULL);
-}
 
 // The unsigned gap between two directions, whole turns ignored.
 double angular_gap(double a, double b) {

@@ -1,6 +1,7 @@
 // Distances, bearings, gradients, point equality, forward computation and the reduction and
 // inverse computation of instrument observations.
 #include "qv5/geosurvey.h"
+#include "support/test_numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -11,27 +12,17 @@
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kHalfPi = 1.5707963267948966;
+using qv5::test::bits_of;
+using qv5::test::is_geo_null;
+using qv5::test::kHalfPi;
+using qv5::test::kPi;
+using qv5::test::kTwoPi;
+using qv5::test::radians;
+
 // Metres: closed forms on coordinates of a few thousand metres.
 constexpr double kMetreTol = 1e-9;
 // Radians: a few operations on values of a few radians.
 constexpr double kAngleTol = 1e-12;
-
-double radians(double degrees) {
-    return degrees * (kPi / 180.0);
-}
-
-std::uint64_t bits_of(double value) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
-bool is_geo_null(double value) {
-    return bits_of(value) == bits_of(GEO_NULL);
-}
 
 // ---- geo_horz_dist, geo_vert_dist, geo_slope_dist -------------------------------------------
 

@@ -1,6 +1,7 @@
 // Randomised checks of the survey computations against each other and against independent
 // formulas. Every generator is seeded, so a failure reproduces.
 #include "qv5/geosurvey.h"
+#include "support/test_numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -12,17 +13,13 @@
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
+using qv5::test::bits_of;
+using qv5::test::kPi;
+using qv5::test::kTwoPi;
+
 constexpr int kCases = 4000;
 // Metres: closed forms on site coordinates within 5 km, where one ulp is about 1e-12 m.
 constexpr double kMetreTol = 1e-9;
-
-std::uint64_t bits_of(double value) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
 
 // The unsigned gap between two directions, whole turns ignored.
 double angular_gap(double a, double b) {

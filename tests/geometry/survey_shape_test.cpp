@@ -1,6 +1,7 @@
 // Polygons, lines and shapes: point in polygon, point on line, line crossing, midpoint,
 // triangle area, arc angle and length, and the vector helpers.
 #include "qv5/geosurvey.h"
+#include "support/test_numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -12,22 +13,15 @@
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kHalfPi = 1.5707963267948966;
+using qv5::test::bits_of;
+using qv5::test::is_geo_null;
+using qv5::test::kHalfPi;
+using qv5::test::kPi;
+
 // Metres: closed forms on coordinates of a few thousand metres.
 constexpr double kMetreTol = 1e-9;
 // Radians: a few operations on values of a few radians.
 constexpr double kAngleTol = 1e-12;
-
-std::uint64_t bits_of(double value) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
-bool is_geo_null(double value) {
-    return bits_of(value) == bits_of(GEO_NULL);
-}
 
 // A 10 m square with its south-west corner at the origin: north 0..10, east 0..10.
 const std::vector<geo_nee> kSquare{
