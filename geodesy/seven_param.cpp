@@ -78,15 +78,19 @@ CGeo7PTrans::CGeo7PTrans(geo_nee const& origin, double rotX, double rotY, double
 
 CGeo7PTrans::CGeo7PTrans(const CGeo7PTrans& other) : CGeo7PTrans() {
     const std::lock_guard<std::mutex> hold(other.m_lock);
-    copy_elements(m_rotation, other.m_rotation);
-    copy_elements(m_shift, other.m_shift);
-    m_rotX = other.m_rotX;
-    m_rotY = other.m_rotY;
-    m_rotZ = other.m_rotZ;
+    CopyParameters(other);
+}
+
+void CGeo7PTrans::CopyParameters(const CGeo7PTrans& other) {
+    m_origin = other.m_origin;
     m_shiftX = other.m_shiftX;
     m_shiftY = other.m_shiftY;
     m_shiftZ = other.m_shiftZ;
-    m_origin = other.m_origin;
+    copy_elements(m_shift, other.m_shift);
+    copy_elements(m_rotation, other.m_rotation);
+    m_rotX = other.m_rotX;
+    m_rotY = other.m_rotY;
+    m_rotZ = other.m_rotZ;
 }
 
 CGeo7PTrans::~CGeo7PTrans() = default;
@@ -215,13 +219,5 @@ geo_nee& CGeo7PTrans::Origin() {
 
 void CGeo7PTrans::operator=(CGeo7PTrans& other) {
     const std::lock_guard<std::mutex> hold(m_lock);
-    m_origin = other.m_origin;
-    m_shiftX = other.m_shiftX;
-    m_shiftY = other.m_shiftY;
-    m_shiftZ = other.m_shiftZ;
-    copy_elements(m_shift, other.m_shift);
-    copy_elements(m_rotation, other.m_rotation);
-    m_rotX = other.m_rotX;
-    m_rotY = other.m_rotY;
-    m_rotZ = other.m_rotZ;
+    CopyParameters(other);
 }

@@ -1,6 +1,7 @@
 // Points with lazily derived grid coordinates.
 #include "qv5/geopoint.h"
 
+#include "geometry/traverse.h"
 #include "qv5/geo7ptrans.h"
 #include "qv5/geosurvey.h"
 #include "qv5/geotrans.h"
@@ -9,9 +10,14 @@
 
 namespace {
 
-constexpr geo_nee kNullGrid{GEO_NULL, GEO_NULL, GEO_NULL};
+using qv5::detail::kNullGrid;
 constexpr geo_llh kNullWgs84{GEO_NULL, GEO_NULL, GEO_NULL};
 constexpr geo_hvd kNullObs{GEO_NULL, GEO_NULL, GEO_NULL};
+
+/// True when a calibration is attached and reports itself calibrated.
+bool calibrated(CGeoTransformation* transformation) {
+    return transformation != nullptr && transformation->IsCalibrated() != 0;
+}
 
 } // namespace
 
@@ -84,8 +90,7 @@ double CGeoPoint::DeriveGrid(double geo_nee::*coordinate) {
     // GEO_NULL and is not retried until a Set clears the flag.
     m_flags |= PT_GRID;
     m_grid = kNullGrid;
-    if ((m_flags & PT_WGS84) != 0 && m_transformation != nullptr &&
-        m_transformation->IsCalibrated() != 0) {
+    if ((m_flags & PT_WGS84) != 0 && calibrated(m_transformation)) {
         m_transformation->Forward(m_wgs84, m_grid);
         return m_grid.*coordinate;
     }
@@ -145,7 +150,7 @@ double CGeoPoint::DeriveWgs84(double geo_llh::*coordinate) {
     if ((m_flags & PT_GRID) == 0) {
         return GEO_NULL;
     }
-    if (m_transformation == nullptr || m_transformation->IsCalibrated() == 0) {
+    if (!calibrated(m_transformation)) {
         return GEO_NULL;
     }
     m_transformation->Reverse(m_grid, m_wgs84);

@@ -75,6 +75,7 @@ public:
 
 private:
     void Build(double scale);
+    void CopyParameters(const CGeo7PTrans& other);
 
     CGeoMatrix m_rotation; // M, 3 x 3, scale folded in
     CGeoMatrix m_shift;    // T, 3 x 1
