@@ -1,7 +1,7 @@
 // The horizontal similarity and the vertical plane of a site calibration.
 #include "geodesy/calibration_solve.h"
 
-#include "geometry/constants.h"
+#include "core/constants.h"
 #include "qv5/geosurvey.h"
 
 #include <cmath>

@@ -2,8 +2,8 @@
 // (Snyder, "Map Projections: A Working Manual", USGS PP 1395, 1987, chapter 21).
 #include "qv5/geostereo.h"
 
+#include "core/constants.h"
 #include "geodesy/stereographic_math.h"
-#include "geometry/constants.h"
 
 #include <cmath>
 

@@ -7,9 +7,9 @@
 // to the radius through the point, in the direction of travel.
 #include "qv5/geoarc.h"
 
-#include "geometry/angles.h"
+#include "core/angles.h"
+#include "core/constants.h"
 #include "geometry/arc_math.h"
-#include "geometry/constants.h"
 #include "geometry/point_access.h"
 #include "geometry/traverse.h"
 #include "qv5/geosurvey.h"

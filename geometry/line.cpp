@@ -1,8 +1,8 @@
 // The straight line element.
 #include "qv5/geoline.h"
 
-#include "geometry/angles.h"
-#include "geometry/constants.h"
+#include "core/angles.h"
+#include "core/constants.h"
 #include "geometry/point_access.h"
 #include "geometry/traverse.h"
 

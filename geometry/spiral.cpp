@@ -6,9 +6,9 @@
 // continuation lies before the start and which beyond the end) differ.
 #include "qv5/geospiral.h"
 
-#include "geometry/angles.h"
+#include "core/angles.h"
+#include "core/constants.h"
 #include "geometry/clothoid.h"
-#include "geometry/constants.h"
 #include "geometry/point_access.h"
 #include "geometry/spiral_math.h"
 #include "geometry/traverse.h"

@@ -1,8 +1,8 @@
 // Elementary survey computations on the coordinate records.
 #include "qv5/geosurvey.h"
 
-#include "geometry/angles.h"
-#include "geometry/constants.h"
+#include "core/angles.h"
+#include "core/constants.h"
 
 #include <cmath>
 

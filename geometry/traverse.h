@@ -2,8 +2,8 @@
 #ifndef QV5_GEOMETRY_TRAVERSE_H
 #define QV5_GEOMETRY_TRAVERSE_H
 
-#include "geometry/angles.h"
-#include "geometry/constants.h"
+#include "core/angles.h"
+#include "core/constants.h"
 #include "qv5/geodef.h"
 
 #include <cmath>

@@ -3,8 +3,8 @@
 // bearing as given, the stationing nudges.
 #include "units/quantity_text.h"
 
-#include "geometry/angles.h"
-#include "geometry/constants.h"
+#include "core/angles.h"
+#include "core/constants.h"
 #include "qv5/geodef.h"
 #include "qv5/geosurvey.h"
 #include "units/string_table.h"

@@ -1,7 +1,7 @@
 // CSiteWnd: site coordinates to window pixels.
 #include "qv5/sitewnd.h"
 
-#include "geometry/angles.h"
+#include "core/angles.h"
 
 #include <cmath>
 #include <cstdint>

@@ -1,6 +1,6 @@
-// Numbers with a fixed meaning throughout the geometry code. Internal header; never installed.
-#ifndef QV5_GEOMETRY_CONSTANTS_H
-#define QV5_GEOMETRY_CONSTANTS_H
+// Numbers with a fixed meaning throughout the library. Internal header; never installed.
+#ifndef QV5_CORE_CONSTANTS_H
+#define QV5_CORE_CONSTANTS_H
 
 namespace qv5::detail {
 
@@ -41,4 +41,4 @@ inline constexpr double kSearchStart = 1e100;
 
 } // namespace qv5::detail
 
-#endif // QV5_GEOMETRY_CONSTANTS_H
+#endif // QV5_CORE_CONSTANTS_H

@@ -1,8 +1,8 @@
-// Angle helpers shared by the geometry code. Internal header; never installed.
-#ifndef QV5_GEOMETRY_ANGLES_H
-#define QV5_GEOMETRY_ANGLES_H
+// Angle helpers shared by every subsystem. Internal header; never installed.
+#ifndef QV5_CORE_ANGLES_H
+#define QV5_CORE_ANGLES_H
 
-#include "geometry/constants.h"
+#include "core/constants.h"
 #include "qv5/geodef.h"
 
 #include <cmath>
@@ -63,4 +63,4 @@ inline int truncate_to_int(double value) {
 
 } // namespace qv5::detail
 
-#endif // QV5_GEOMETRY_ANGLES_H
+#endif // QV5_CORE_ANGLES_H
