@@ -113,7 +113,9 @@ int CGeoTemplate::GetNthElement(int n, geotemp_ElementType type, double& startH,
     startV = e->start_v;
     deltaH = e->end_h - e->start_h;
     deltaV = e->end_v - e->start_v;
-    angle = e->angle;
+    // A vertical face keeps its +-pi/2 for the surface test, but reads back as having no slope
+    // angle: an editor shows it as a face, not as a gradient.
+    angle = e->type == geotemp_DeltaHV && e->slope == GEO_NULL ? GEO_NULL : e->angle;
     return 1;
 }
 
