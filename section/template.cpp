@@ -56,8 +56,9 @@ void CGeoTemplate::operator=(const CGeoTemplate& other) {
 }
 
 void CGeoTemplate::Reset() {
+    // The storage is kept for the next elements: a template that is blended into again and
+    // again (the road's working template) then never allocates.
     m_chain->entries.clear();
-    m_chain->entries.shrink_to_fit();
     m_hOffsetShoulder = 0.0;
     m_vOffsetShoulder = 0.0;
 }
