@@ -23,6 +23,7 @@ constexpr int kElements = 12;
 
 /// One template side as the baselines hold it: the records and the derived chain in arrays.
 struct BareTemplate {
+    int count; // elements in use: a template's length is known only at run time
     int type[kElements];
     double a[kElements]; // first record field (DeltaH, Angle, H, CutAngle)
     double b[kElements]; // second record field (DeltaV, Width, V, FillAngle)
@@ -41,7 +42,7 @@ struct BareTemplate {
 QV5_BARE void bare_derive(BareTemplate& t) {
     double h = 0.0;
     double v = 0.0;
-    for (int i = 0; i < kElements; ++i) {
+    for (int i = 0; i < t.count; ++i) {
         switch (t.type[i]) {
         case 0:
             t.angle[i] = t.slope[i] = GEO_NULL;
@@ -97,7 +98,7 @@ QV5_BARE void bare_derive(BareTemplate& t) {
 QV5_BARE void bare_template_deltas(const BareTemplate& t, double offset, double height, double& dv,
                                    double& angle) {
     dv = angle = GEO_NULL;
-    for (int i = 0; i < kElements; ++i) {
+    for (int i = 0; i < t.count; ++i) {
         const int type = t.type[i];
         if (type == 0) {
             if (offset <= t.end_h[i]) {
@@ -120,7 +121,7 @@ QV5_BARE void bare_slope_deltas(const BareTemplate& t, double offset, double hei
                                 double& catch_offset) {
     dv = point_angle = catch_offset = GEO_NULL;
     in_ditch = 0;
-    const int last = kElements - 1;
+    const int last = t.count - 1;
     if (t.type[last] != 5 || !(std::fabs(offset) > t.shoulder_h)) {
         return;
     }
@@ -146,7 +147,8 @@ QV5_BARE void bare_slope_deltas(const BareTemplate& t, double offset, double hei
 
 QV5_BARE void bare_interpolate(const BareTemplate& x, const BareTemplate& y, double ratio,
                                BareTemplate& r) {
-    for (int i = 0; i < kElements; ++i) {
+    r.count = x.count;
+    for (int i = 0; i < x.count; ++i) {
         r.type[i] = x.type[i];
         r.a[i] = x.a[i] + (y.a[i] - x.a[i]) * ratio;
         r.b[i] = x.b[i] + (y.b[i] - x.b[i]) * ratio;
@@ -225,6 +227,7 @@ const Pair& templates() {
             add(p.lib[k], p.bare[k], i++, 2, 1.8 * s, 0.036, 0.0);
             add(p.lib[k], p.bare[k], i++, 3, 0.0, 0.0, 0.0);
             add(p.lib[k], p.bare[k], i++, 5, 0.46, 0.32, 1.0 * s);
+            p.bare[k].count = i;
             bare_derive(p.bare[k]);
         }
         return p;

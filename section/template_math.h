@@ -32,12 +32,13 @@ union TemplateRecord {
 
 /// One element of a template with its derived place in the section.
 struct ChainEntry {
+    // The surface walk reads the type and the end of every element it passes: they lead.
     geotemp_ElementType type; ///< as given; unknown values are kept
-    double angle;             ///< slope angle, radians, or `GEO_NULL`
-    double slope;             ///< tan(angle), or `GEO_NULL`
+    double end_h;             ///< end point, metres outward
     double start_h;           ///< start point, metres outward
     double start_v;           ///< start height, metres
-    double end_h;             ///< end point, metres outward
+    double slope;             ///< tan(angle), or `GEO_NULL`
+    double angle;             ///< slope angle, radians, or `GEO_NULL`
     double end_v;             ///< end height, metres
     TemplateRecord record;    ///< zero beyond the type's record size; all zero for unknown types
 };
