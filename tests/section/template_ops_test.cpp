@@ -389,3 +389,20 @@ TEST(TemplateCopies, SelfAssignmentKeepsEverything) {
     EXPECT_EQ(t.NumberElements(), 6);
     EXPECT_EQ(t.Name().ToUtf8(), "Two lane");
 }
+
+TEST(TemplateElements, SetNthElementToAnUnknownTypeStoresNoRecord) {
+    CGeoTemplate t;
+    add_grade_width(t, 0.0, 3.0);
+    add_grade_width(t, 0.0, 2.0);
+    const double junk[3] = {7.0, 8.0, 9.0};
+    ASSERT_EQ(t.SetNthElement(0, static_cast<geotemp_ElementType>(-4), junk), 1);
+    EXPECT_EQ(t.NthElementType(0), static_cast<geotemp_ElementType>(-4));
+    EXPECT_EQ(view_of(t, 1).start_h, 0.0); // an unknown element does not advance the chain
+    EXPECT_EQ(t.HOffsetShoulder(), 2.0);
+    geotemp_ElementType type = geotemp_Step;
+    double a = 1.0, b = 1.0, c = 1.0, d = 1.0;
+    t.SetNthElement(1, static_cast<geotemp_ElementType>(77), nullptr);
+    t.NextLikelyElement(type, a, b, c, d);
+    EXPECT_EQ(type, geotemp_None); // nothing sensible follows an unknown element
+    EXPECT_TRUE(is_geo_null(a));
+}
