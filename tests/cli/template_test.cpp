@@ -189,3 +189,15 @@ TEST(QV5Template, BadArgumentsExitWithTwo) {
     EXPECT_EQ(run({"template", kRural, "--offset", "nan"}).exit_code, 2);
     EXPECT_EQ(run({"template", "/nonexistent/template.json"}).exit_code, 2);
 }
+
+TEST(QV5Template, JsonCarriesFormattedTextsInTheUsersUnits) {
+    const auto doc =
+        json_of({"template", kRural, "--offset", "9", "--ground-height", "0.5", "--json"});
+    // A fresh settings store shows US survey feet: 7.25 m is 23.79 ft.
+    EXPECT_EQ(doc["shoulder"]["formatted"]["h"], "23.79'");
+    EXPECT_TRUE(doc["at"]["formatted"].contains("catch_offset"));
+    EXPECT_TRUE(doc.contains("units"));
+    const auto raw = json_of({"template", kRural, "--json", "--raw"});
+    EXPECT_FALSE(raw["shoulder"].contains("formatted"));
+    EXPECT_FALSE(raw.contains("units"));
+}

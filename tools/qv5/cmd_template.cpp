@@ -236,6 +236,20 @@ int run_template(const TemplateOptions& o) {
             out["at"] = at;
         }
         if (!show.raw()) {
+            out["shoulder"]["formatted"] = {{"h", show.distance(evaluated.HOffsetShoulder(), 3)},
+                                            {"v", show.height(evaluated.VOffsetShoulder(), 3)}};
+            if (q.offset) {
+                nlohmann::json formatted = {{"offset", show.distance(*q.offset, 3)},
+                                            {"design_height", show.height(a.design, 3)},
+                                            {"angle", show.grade(a.angle, 3)}};
+                if (q.ground) {
+                    formatted["ground_above_design"] = show.height(a.delta, 3);
+                }
+                if (a.on_slope && a.in_ditch == 0) {
+                    formatted["catch_offset"] = show.distance(a.catch_offset, 3);
+                }
+                out["at"]["formatted"] = formatted;
+            }
             out["units"] = show.description();
         }
         std::cout << out.dump(2) << '\n';
