@@ -3,6 +3,7 @@
 #include "qv5/geostereo.h"
 
 #include "core/constants.h"
+#include "core/null_records.h"
 #include "geodesy/stereographic_math.h"
 
 #include <cmath>
@@ -192,7 +193,7 @@ CGeoStereographic::~CGeoStereographic() = default;
 
 void CGeoStereographic::Forward(geo_llh const& llh, geo_nee& nee) {
     if (llh.lat == GEO_NULL || llh.lon == GEO_NULL) {
-        nee = geo_nee{GEO_NULL, GEO_NULL, GEO_NULL};
+        nee = qv5::detail::kNullGrid;
         return;
     }
     const double lat = llh.lat;
@@ -207,7 +208,7 @@ void CGeoStereographic::Forward(geo_llh const& llh, geo_nee& nee) {
 
 void CGeoStereographic::Reverse(geo_nee const& nee, geo_llh& llh) {
     if (nee.north == GEO_NULL || nee.east == GEO_NULL) {
-        llh = geo_llh{GEO_NULL, GEO_NULL, GEO_NULL};
+        llh = qv5::detail::kNullWgs84;
         return;
     }
     const double x = nee.east - m_falseEast;

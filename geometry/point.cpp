@@ -1,7 +1,7 @@
 // Points with lazily derived grid coordinates.
 #include "qv5/geopoint.h"
 
-#include "geometry/traverse.h"
+#include "core/null_records.h"
 #include "qv5/geo7ptrans.h"
 #include "qv5/geosurvey.h"
 #include "qv5/geotrans.h"
@@ -11,8 +11,8 @@
 namespace {
 
 using qv5::detail::kNullGrid;
-constexpr geo_llh kNullWgs84{GEO_NULL, GEO_NULL, GEO_NULL};
-constexpr geo_hvd kNullObs{GEO_NULL, GEO_NULL, GEO_NULL};
+using qv5::detail::kNullObs;
+using qv5::detail::kNullWgs84;
 
 /// True when a calibration is attached and reports itself calibrated.
 bool calibrated(CGeoTransformation* transformation) {
