@@ -52,7 +52,7 @@ enum class FailurePolicy {
 
 /// The "not set" value of a cached quantity: `GEO_NULL`, or a record of them.
 template <typename Value>
-inline Value null_of() {
+constexpr Value null_of() {
     if constexpr (std::is_same_v<Value, double>) {
         return GEO_NULL;
     } else {
@@ -62,6 +62,10 @@ inline Value null_of() {
         return Value{GEO_NULL, GEO_NULL, GEO_NULL};
     }
 }
+
+/// What a failing request answers under the policies that leave the slot as it was.
+template <typename Value>
+inline constexpr Value kFailed = null_of<Value>();
 
 /// True when every bit of `bits` is known. (The bits may be given as a class's enumerator: only
 /// the word's type is deduced.)
@@ -112,8 +116,7 @@ inline const Value& ensure(Word& known, std::type_identity_t<Word> bit, Value& s
             }
             return slot;
         }
-        static const Value failed = null_of<Value>();
-        return failed;
+        return kFailed<Value>;
     }
 }
 
