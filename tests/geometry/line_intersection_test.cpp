@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -96,6 +97,11 @@ std::vector<IntersectionCase> intersection_cases() {
         cases.push_back(c);
     }
     return cases;
+}
+
+/// Names a case in test listings by its row name instead of its bytes.
+void PrintTo(const IntersectionCase& c, std::ostream* os) {
+    *os << c.name;
 }
 
 class LineIntersectionTable : public testing::TestWithParam<IntersectionCase> {};
