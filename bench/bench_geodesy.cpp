@@ -8,11 +8,15 @@
 //   CGeo7PTrans::Transform    +proj=helmert ... +convention=coordinate_frame +exact
 //   CGeoTransformation chain  +proj=pipeline of that stere and an affine step carrying the
 //                             solved similarity and plane (forward, inverse)
-// bench/ratios.py pairs them through its BASELINES table.
+// The geocentric conversions are also timed beside GeographicLib's Geocentric
+// (BM_<call>_Geocentric) and beside the bare formula written here (BM_<call>_Formula): PROJ pays a
+// per-call dispatch (about 22 ns for a no-op) that makes its figures slower than the maths is.
+// bench/ratios.py pairs them through its BASELINES table and reports the fastest.
 #include "bench_support.h"
 
 #include "qv5/qv5lib.h"
 
+#include <GeographicLib/Geocentric.hpp>
 #include <benchmark/benchmark.h>
 #include <proj.h>
 
@@ -136,6 +140,40 @@ std::string chain_pipeline(CGeoTransformation& t) {
            " +s33=1";
 }
 
+constexpr double kWgs84A = 6378137.0;
+constexpr double kWgs84F = 1.0 / 298.257223563;
+constexpr double kWgs84E2 = kWgs84F * (2.0 - kWgs84F);
+
+/// Geodetic to geocentric, the textbook formula with a square root for the prime vertical.
+[[gnu::noinline]] geo_vector bare_llh2xyz(const geo_llh& p) {
+    const double s = std::sin(p.lat);
+    const double c = std::cos(p.lat);
+    const double n = kWgs84A / std::sqrt(1.0 - kWgs84E2 * s * s);
+    return geo_vector{(n + p.height) * c * std::cos(p.lon), (n + p.height) * c * std::sin(p.lon),
+                      (n * (1.0 - kWgs84E2) + p.height) * s};
+}
+
+/// Geocentric to geodetic by the fixed-point iteration on the latitude, to 5e-10 rad as the
+/// library is asked.
+[[gnu::noinline]] geo_llh bare_xyz2llh(const geo_vector& v) {
+    const double p = std::sqrt(v.x * v.x + v.y * v.y);
+    double lat = std::atan2(v.z, p * (1.0 - kWgs84E2));
+    double n = kWgs84A;
+    double height = 0.0;
+    for (int i = 0; i < 10; ++i) {
+        const double s = std::sin(lat);
+        n = kWgs84A / std::sqrt(1.0 - kWgs84E2 * s * s);
+        height = p / std::cos(lat) - n;
+        const double next_lat = std::atan2(v.z, p * (1.0 - kWgs84E2 * n / (n + height)));
+        const bool done = std::fabs(next_lat - lat) < 5e-10;
+        lat = next_lat;
+        if (done) {
+            break;
+        }
+    }
+    return geo_llh{lat, std::atan2(v.y, v.x), height};
+}
+
 /// Registers BM_<name> beside PROJ's BM_<name>_Proj.
 template <class Library, class Reference>
 void pair(const std::string& name, Library library, Reference reference) {
@@ -167,6 +205,32 @@ void register_all() {
         [&in](std::size_t i) {
             benchmark::DoNotOptimize(cart.run(PJ_INV, in.xyz[i].x, in.xyz[i].y, in.xyz[i].z));
         });
+
+    const GeographicLib::Geocentric& earth = GeographicLib::Geocentric::WGS84();
+    constexpr double kDegreesPerRadian = 57.29577951308232;
+    qv5::bench::single("llh2xyz_Geocentric", [&in, &earth](std::size_t i) {
+        double x;
+        double y;
+        double z;
+        earth.Forward(in.llh[i].lat * kDegreesPerRadian, in.llh[i].lon * kDegreesPerRadian,
+                      in.llh[i].height, x, y, z);
+        benchmark::DoNotOptimize(x);
+        benchmark::DoNotOptimize(y);
+        benchmark::DoNotOptimize(z);
+    });
+    qv5::bench::single("xyz2llh_Geocentric", [&in, &earth](std::size_t i) {
+        double lat;
+        double lon;
+        double h;
+        earth.Reverse(in.xyz[i].x, in.xyz[i].y, in.xyz[i].z, lat, lon, h);
+        benchmark::DoNotOptimize(lat);
+        benchmark::DoNotOptimize(lon);
+        benchmark::DoNotOptimize(h);
+    });
+    qv5::bench::single("llh2xyz_Formula",
+                       [&in](std::size_t i) { benchmark::DoNotOptimize(bare_llh2xyz(in.llh[i])); });
+    qv5::bench::single("xyz2llh_Formula",
+                       [&in](std::size_t i) { benchmark::DoNotOptimize(bare_xyz2llh(in.xyz[i])); });
 
     static CGeoEllipsoid wgs84(6378137.0, 0.0033528106647474805);
     static CGeoStereographic stereo(geo_llh{kSiteLat, kSiteLon, 0.0}, geo_nee{0.0, 0.0, 0.0}, 1.0,

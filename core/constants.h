@@ -10,6 +10,9 @@ inline constexpr double kPi = 3.141592653589793;
 inline constexpr double kTwoPi = 6.283185307179586;
 /// A quarter turn: a right angle, and the gradient of a vertical direction.
 inline constexpr double kHalfPi = 1.5707963267948966;
+/// Three right angles: where a bearing turns from the south-west quadrant to the north-west.
+/// The literal is the same double as 3 x kHalfPi.
+inline constexpr double kThreeHalfPi = 4.71238898038469;
 /// Radians per degree.
 inline constexpr double kRadiansPerDegree = 0.017453292519943295;
 /// Degrees per radian.

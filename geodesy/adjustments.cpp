@@ -1,6 +1,8 @@
 // The horizontal similarity and the vertical inclined plane of a site calibration.
 #include "qv5/geoadjust.h"
 
+#include "core/null_records.h"
+
 #include <cmath>
 
 CGeoHorizontalAdjustment::CGeoHorizontalAdjustment(geo_nee const& origin, double scale,
@@ -48,7 +50,7 @@ double CGeoHorizontalAdjustment::ShiftEast() const {
 }
 
 void CGeoHorizontalAdjustment::Forward(geo_nee& p) {
-    if (m_identity != 0 || p.north == GEO_NULL || p.east == GEO_NULL) {
+    if (m_identity != 0 || !qv5::detail::has_plan(p)) {
         return;
     }
     const double dn = p.north - m_origin.north;
@@ -58,7 +60,7 @@ void CGeoHorizontalAdjustment::Forward(geo_nee& p) {
 }
 
 void CGeoHorizontalAdjustment::Reverse(geo_nee& p) {
-    if (m_identity != 0 || p.north == GEO_NULL || p.east == GEO_NULL) {
+    if (m_identity != 0 || !qv5::detail::has_plan(p)) {
         return;
     }
     if (m_scale == 0.0) {
@@ -98,7 +100,7 @@ double CGeoVerticalAdjustment::SlopeEast() const {
 }
 
 void CGeoVerticalAdjustment::Forward(geo_nee& p) {
-    if (m_identity != 0 || p.north == GEO_NULL || p.east == GEO_NULL || p.elev == GEO_NULL) {
+    if (m_identity != 0 || !qv5::detail::has_3d(p)) {
         return;
     }
     p.elev = p.elev + m_shift + (p.north - m_origin.north) * m_slopeNorth +
@@ -106,7 +108,7 @@ void CGeoVerticalAdjustment::Forward(geo_nee& p) {
 }
 
 void CGeoVerticalAdjustment::Reverse(geo_nee& p) {
-    if (m_identity != 0 || p.north == GEO_NULL || p.east == GEO_NULL || p.elev == GEO_NULL) {
+    if (m_identity != 0 || !qv5::detail::has_3d(p)) {
         return;
     }
     p.elev = p.elev - m_shift - (p.north - m_origin.north) * m_slopeNorth -

@@ -1,6 +1,7 @@
 // CGeo7PTrans: the seven-parameter similarity about an origin.
 #include "qv5/geo7ptrans.h"
 
+#include "core/null_records.h"
 #include "geodesy/gauss_jordan.h"
 #include "geodesy/seven_param.h"
 
@@ -55,7 +56,7 @@ void copy_elements(CGeoMatrix& to, const CGeoMatrix& from) {
 }
 
 bool has_null(const geo_nee& p) {
-    return p.north == GEO_NULL || p.east == GEO_NULL || p.elev == GEO_NULL;
+    return !qv5::detail::has_3d(p);
 }
 
 } // namespace

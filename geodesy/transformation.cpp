@@ -1,6 +1,7 @@
 // CGeoTransformation: the site calibration and its WGS84 <-> site chain.
 #include "qv5/geotrans.h"
 
+#include "core/null_records.h"
 #include "geodesy/calibration_solve.h"
 #include "geodesy/heap.h"
 #include "geodesy/wgs84.h"
@@ -417,7 +418,7 @@ void CGeoTransformation::CalculateCentroid(geo_llh& position, geo_nee& site) {
         const geotrans_CalibrationPoint& p = m_points[m_verticalIndex[0]];
         position = geo_llh{p.llh.lat, p.llh.lon, GEO_NULL};
     } else {
-        position = geo_llh{GEO_NULL, GEO_NULL, GEO_NULL};
+        position = qv5::detail::kNullWgs84;
     }
 }
 
@@ -552,8 +553,8 @@ int CGeoTransformation::Recompute(geotrans_Error* error) {
         return out_of_memory();
     }
     for (int i = 0; i < m_pointCount; ++i) {
-        m_grid[i] = geo_nee{GEO_NULL, GEO_NULL, GEO_NULL};
-        m_site[i] = geo_nee{GEO_NULL, GEO_NULL, GEO_NULL};
+        m_grid[i] = qv5::detail::kNullGrid;
+        m_site[i] = qv5::detail::kNullGrid;
     }
     // Both sets of coordinates are worked relative to the centroid's site coordinates, which
     // are also the projection's false origin.

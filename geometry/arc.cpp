@@ -9,6 +9,7 @@
 
 #include "core/angles.h"
 #include "core/constants.h"
+#include "core/lazy_cache.h"
 #include "geometry/arc_math.h"
 #include "geometry/point_access.h"
 #include "geometry/traverse.h"
@@ -17,49 +18,6 @@
 #include <cmath>
 
 using namespace qv5::detail;
-
-namespace qv5::detail {
-
-double arc_radial_azimuth(const ArcCircle& circle, double angle, bool turns_right) {
-    return normalised_bearing(turns_right ? circle.start_radial + angle
-                                          : circle.start_radial - angle);
-}
-
-ArcDeltas arc_deltas(const ArcCircle& circle, double arc_angle, double entry_azimuth,
-                     geodef_Direction direction, const geo_nee& point) {
-    const double dn = point.north - circle.centre.north;
-    const double de = point.east - circle.centre.east;
-    const double to_point = bearing_of(dn, de);
-    const double distance = std::sqrt(dn * dn + de * de);
-
-    // Angle from the radius through the point back to the start radius, clockwise; for a
-    // right-turning arc (which sweeps clockwise) the swept angle is its complement.
-    double swept = normalised_bearing(circle.start_radial - to_point);
-    if (direction != geodef_Left) {
-        swept = kTwoPi - swept;
-    }
-    ArcDeltas deltas;
-    // The part of the circle the arc does not cover is split half-way round: points nearer the
-    // start than the end are given a negative station. (A `GEO_NULL` angle counts as 0.)
-    if (swept > arc_angle * 0.5 + kPi) {
-        deltas.station = -(circle.radius * (kTwoPi - swept));
-    } else {
-        deltas.station = swept * circle.radius;
-    }
-    deltas.offset = circle.radius - distance;
-    if (direction == geodef_Left) {
-        deltas.offset = -deltas.offset; // the centre of a left turn lies to the left
-    }
-    if (entry_azimuth == GEO_NULL) {
-        deltas.azimuth = GEO_NULL;
-    } else {
-        deltas.azimuth = normalised_bearing(direction == geodef_Right ? entry_azimuth + swept
-                                                                      : entry_azimuth - swept);
-    }
-    return deltas;
-}
-
-} // namespace qv5::detail
 
 CGeoArc::CGeoArc()
     : m_radius(GEO_NULL), m_entryAzimuth(GEO_NULL), m_arcLength(GEO_NULL), m_angle(GEO_NULL),
@@ -78,7 +36,8 @@ void CGeoArc::Set(CGeoPoint& start, CGeoPoint& end, double radius, double angle,
     m_radius = radius;
     m_angle = angle;
     m_direction = direction;
-    m_known = KNOWN_END_POINT | KNOWN_RADIUS | KNOWN_ANGLE | KNOWN_DIRECTION;
+    forget(m_known, kKnownEverything);
+    remember(m_known, kKnownEndPoint | kKnownRadius | kKnownAngle | kKnownDirection);
 }
 
 void CGeoArc::Set(CGeoPoint& start, double entryAzimuth, double radius, double arcLength,
@@ -90,63 +49,70 @@ void CGeoArc::Set(CGeoPoint& start, double entryAzimuth, double radius, double a
     m_arcLength = arcLength;
     m_direction = direction;
     m_startStation = startStation;
-    m_known = KNOWN_ENTRY_AZIMUTH | KNOWN_ARC_LENGTH | KNOWN_RADIUS | KNOWN_START_STATION |
-              KNOWN_DIRECTION;
+    forget(m_known, kKnownEverything);
+    remember(m_known, kKnownEntryAzimuth | kKnownArcLength | kKnownRadius | kKnownStartStation |
+                          kKnownDirection);
+}
+
+// Every derivation of the arc remembers its failure as GEO_NULL until the next Set; values that
+// are only ever given read GEO_NULL (the direction: right) from then on when they were not.
+
+double CGeoArc::EnsureRadius() {
+    return ensure_default(m_known, kKnownRadius, m_radius, GEO_NULL);
+}
+
+double CGeoArc::EnsureStartStation() {
+    return ensure_default(m_known, kKnownStartStation, m_startStation, GEO_NULL);
+}
+
+geodef_Direction CGeoArc::EnsureDirection() {
+    return ensure_default(m_known, kKnownDirection, m_direction, geodef_Right);
+}
+
+double CGeoArc::EnsureAngle() {
+    return ensure<FailurePolicy::kRememberNull>(m_known, kKnownAngle, m_angle, [this](double& out) {
+        if (!is_known(m_known, kKnownRadius | kKnownArcLength)) {
+            return false;
+        }
+        out = geo_arc_length_to_angle(m_arcLength, m_radius);
+        return true;
+    });
+}
+
+double CGeoArc::EnsureArcLength() {
+    return ensure<FailurePolicy::kRememberNull>(
+        m_known, kKnownArcLength, m_arcLength, [this](double& out) {
+            if (!is_known(m_known, kKnownAngle)) {
+                // Derives the centre but not the angle: an arc that was given neither an angle
+                // nor a length has no length.
+                EnsureCentre();
+            }
+            if (!is_known(m_known, kKnownRadius | kKnownAngle)) {
+                return false;
+            }
+            out = geo_arc_angle_to_length(m_angle, m_radius);
+            return true;
+        });
 }
 
 double CGeoArc::Radius() {
-    if ((m_known & KNOWN_RADIUS) == 0) {
-        m_known |= KNOWN_RADIUS;
-        m_radius = GEO_NULL;
-    }
-    return m_radius;
+    return EnsureRadius();
 }
 
 double CGeoArc::StartStation() {
-    if ((m_known & KNOWN_START_STATION) == 0) {
-        m_known |= KNOWN_START_STATION;
-        m_startStation = GEO_NULL;
-    }
-    return m_startStation;
+    return EnsureStartStation();
 }
 
 geodef_Direction CGeoArc::Direction() {
-    if ((m_known & KNOWN_DIRECTION) == 0) {
-        m_known |= KNOWN_DIRECTION;
-        m_direction = geodef_Right;
-    }
-    return m_direction;
+    return EnsureDirection();
 }
 
 double CGeoArc::Angle() {
-    if ((m_known & KNOWN_ANGLE) != 0) {
-        return m_angle;
-    }
-    m_known |= KNOWN_ANGLE;
-    m_angle = GEO_NULL;
-    if ((m_known & KNOWN_RADIUS) == 0 || (m_known & KNOWN_ARC_LENGTH) == 0) {
-        return GEO_NULL;
-    }
-    m_angle = geo_arc_length_to_angle(m_arcLength, m_radius);
-    return m_angle;
+    return EnsureAngle();
 }
 
 double CGeoArc::GridArcLength() {
-    if ((m_known & KNOWN_ARC_LENGTH) != 0) {
-        return m_arcLength;
-    }
-    m_arcLength = GEO_NULL;
-    m_known |= KNOWN_ARC_LENGTH;
-    if ((m_known & KNOWN_ANGLE) == 0) {
-        // Derives the centre but not the angle: an arc that was given neither an angle nor a
-        // length has no length.
-        CentreToStart();
-    }
-    if ((m_known & KNOWN_RADIUS) == 0 || (m_known & KNOWN_ANGLE) == 0) {
-        return GEO_NULL;
-    }
-    m_arcLength = geo_arc_angle_to_length(m_angle, m_radius);
-    return m_arcLength;
+    return EnsureArcLength();
 }
 
 namespace {
@@ -159,62 +125,64 @@ bool usable(double value) {
 
 } // namespace
 
-void CGeoArc::DeriveCentre() {
-    m_known |= KNOWN_CENTRE;
-    const geo_nee start = grid_of(m_startPt);
-    geo_nee centre = kNullGrid;
-    if ((m_known & KNOWN_ENTRY_AZIMUTH) != 0 && (m_known & KNOWN_RADIUS) != 0) {
-        // From the start, square off the entry tangent towards the inside of the curve.
-        const double entry = EntryAzimuth();
-        if (has_plan(start) && entry != GEO_NULL && usable(m_radius)) {
-            const double inward =
-                normalised_bearing(Direction() == geodef_Right ? entry + kHalfPi : entry - kHalfPi);
-            if (usable(inward)) {
-                centre = level_step(start, inward, m_radius);
+CGeoLine& CGeoArc::EnsureCentre() {
+    ensure_group<FailurePolicy::kRememberNull>(m_known, kKnownCentre, [this] {
+        const geo_nee start = grid_of(m_startPt);
+        geo_nee centre = kNullGrid;
+        if (is_known(m_known, kKnownEntryAzimuth | kKnownRadius)) {
+            // From the start, square off the entry tangent towards the inside of the curve.
+            const double entry = EnsureEntryAzimuth();
+            if (has_plan(start) && entry != GEO_NULL && usable(m_radius)) {
+                const double inward = normalised_bearing(
+                    EnsureDirection() == geodef_Right ? entry + kHalfPi : entry - kHalfPi);
+                if (usable(inward)) {
+                    centre = level_step(start, inward, m_radius);
+                }
+            }
+        } else if (is_known(m_known, kKnownEndPoint | kKnownRadius)) {
+            // The chord from start to end leaves the start at half the central angle inside the
+            // entry tangent, so the radius to the centre lies at 90 degrees less that half-angle
+            // from the chord.
+            const geo_nee end = grid_of(m_endPt);
+            if (has_plan(start) && has_plan(end) && usable(m_radius) && m_angle != GEO_NULL) {
+                const double chord = geo_grid_bearing(start, end);
+                const double half = m_angle * 0.5;
+                const double inward =
+                    normalised_bearing(EnsureDirection() == geodef_Right ? chord + kHalfPi - half
+                                                                         : chord - kHalfPi + half);
+                if (usable(inward)) {
+                    geo_grid_follow(start, inward, m_radius, 0.0, centre);
+                }
             }
         }
-    } else if ((m_known & KNOWN_END_POINT) != 0 && (m_known & KNOWN_RADIUS) != 0) {
-        // The chord from start to end leaves the start at half the central angle inside the
-        // entry tangent, so the radius to the centre lies at 90 degrees less that half-angle
-        // from the chord.
-        const geo_nee end = grid_of(m_endPt);
-        if (has_plan(start) && has_plan(end) && usable(m_radius) && m_angle != GEO_NULL) {
-            const double chord = geo_grid_bearing(start, end);
-            const double half = m_angle * 0.5;
-            const double inward = normalised_bearing(
-                Direction() == geodef_Right ? chord + kHalfPi - half : chord - kHalfPi + half);
-            if (usable(inward)) {
-                geo_grid_follow(start, inward, m_radius, 0.0, centre);
-            }
+        if (!has_plan(centre) || !std::isfinite(centre.north) || !std::isfinite(centre.east)) {
+            // No centre (also from non-finite coordinates): forget any from an earlier
+            // definition. The empty line is this cache's null.
+            m_centreToStart = CGeoLine();
+            return false;
         }
-    }
-    if (!has_plan(centre) || !std::isfinite(centre.north) || !std::isfinite(centre.east)) {
-        // No centre (also from non-finite coordinates): forget any from an earlier definition.
-        m_centreToStart = CGeoLine();
-        return;
-    }
-    // The centre is a copy of the start given new coordinates, so that it (and every point
-    // derived from it) keeps the start's transformation link.
-    CGeoPoint centre_pt(m_startPt);
-    centre_pt.SetGrid(centre);
-    m_centreToStart.Set(centre_pt, m_startPt);
-}
-
-CGeoLine& CGeoArc::CentreToStart() {
-    if ((m_known & KNOWN_CENTRE) == 0) {
-        DeriveCentre();
-    }
+        // The centre is a copy of the start given new coordinates, so that it (and every point
+        // derived from it) keeps the start's transformation link.
+        CGeoPoint centre_pt(m_startPt);
+        centre_pt.SetGrid(centre);
+        m_centreToStart.Set(centre_pt, m_startPt);
+        return true;
+    });
     return m_centreToStart;
 }
 
+CGeoLine& CGeoArc::CentreToStart() {
+    return EnsureCentre();
+}
+
 CGeoPoint& CGeoArc::CentrePt() {
-    return CentreToStart().StartPt();
+    return EnsureCentre().StartPt();
 }
 
 bool CGeoArc::Circle(ArcCircle& circle) {
     // Test the points, not the line's azimuth: a line whose azimuth derivation failed reports
     // GEO_NULL once and its stale cache afterwards.
-    CGeoLine& radial = CentreToStart();
+    CGeoLine& radial = EnsureCentre();
     const geo_nee centre = grid_of(radial.StartPt());
     if (!has_plan(centre) || !has_plan(grid_of(radial.EndPt()))) {
         return false;
@@ -223,32 +191,45 @@ bool CGeoArc::Circle(ArcCircle& circle) {
     return true;
 }
 
-double CGeoArc::EntryAzimuth() {
-    if ((m_known & KNOWN_ENTRY_AZIMUTH) != 0) {
+double CGeoArc::EnsureEntryAzimuth() {
+    if (is_known(m_known, kKnownEntryAzimuth)) {
         return m_entryAzimuth;
     }
-    // The centre is derived before the bit is set: with the bit set it would be derived from
-    // this (not yet known) azimuth.
+    // The centre is derived before the azimuth counts as known: with its bit set, the centre
+    // would be built from this (not yet known) azimuth.
     ArcCircle circle;
     const bool has_centre = Circle(circle);
-    m_known |= KNOWN_ENTRY_AZIMUTH;
-    m_entryAzimuth = GEO_NULL;
-    if (has_centre) {
-        const double radial = circle.start_radial;
-        m_entryAzimuth =
-            normalised_bearing(Direction() == geodef_Right ? radial + kHalfPi : radial - kHalfPi);
-    }
-    return m_entryAzimuth;
+    return ensure<FailurePolicy::kRememberNull>(
+        m_known, kKnownEntryAzimuth, m_entryAzimuth, [&](double& out) {
+            if (!has_centre) {
+                return false;
+            }
+            const double radial = circle.start_radial;
+            out = normalised_bearing(EnsureDirection() == geodef_Right ? radial + kHalfPi
+                                                                       : radial - kHalfPi);
+            return true;
+        });
+}
+
+double CGeoArc::EntryAzimuth() {
+    return EnsureEntryAzimuth();
+}
+
+CGeoPoint& CGeoArc::EnsureEndPoint() {
+    // An end point that cannot be laid out keeps what it held (the all-null point the second
+    // Set leaves, or a default point).
+    ensure_group<FailurePolicy::kKeepStale>(m_known, kKnownEndPoint, [this] {
+        if (!is_known(m_known, kKnownEntryAzimuth | kKnownRadius)) {
+            return false;
+        }
+        GridHorzPoint(EnsureArcLength(), m_endPt);
+        return true;
+    });
+    return m_endPt;
 }
 
 CGeoPoint& CGeoArc::EndPt() {
-    if ((m_known & KNOWN_END_POINT) == 0) {
-        m_known |= KNOWN_END_POINT;
-        if ((m_known & KNOWN_ENTRY_AZIMUTH) != 0 && (m_known & KNOWN_RADIUS) != 0) {
-            GridHorzPoint(GridArcLength(), m_endPt);
-        }
-    }
-    return m_endPt;
+    return EnsureEndPoint();
 }
 
 double CGeoArc::GridAzimuth(double distance) {

@@ -3,6 +3,7 @@
 
 #include "core/angles.h"
 #include "core/constants.h"
+#include "core/lazy_cache.h"
 #include "geometry/point_access.h"
 #include "geometry/traverse.h"
 
@@ -62,7 +63,7 @@ CGeoLine::~CGeoLine() = default;
 void CGeoLine::Set(CGeoPoint& start, CGeoPoint& end) {
     m_startPt = start;
     m_endPt = end;
-    m_known = 0;
+    forget(m_known, kKnownEverything);
 }
 
 void CGeoLine::Set(CGeoPoint& start, double azimuth, double distance, double grade) {
@@ -74,7 +75,8 @@ void CGeoLine::Set(CGeoPoint& start, double azimuth, double distance, double gra
     m_azimuth = heading.azimuth;
     m_hDistance = heading.distance;
     m_grade = heading.grade;
-    m_known = KNOWN_HDISTANCE | KNOWN_GRADE | KNOWN_AZIMUTH;
+    forget(m_known, kKnownEverything);
+    remember(m_known, kKnownHDistance | kKnownGrade | kKnownAzimuth);
 }
 
 CGeoPoint& CGeoLine::StartPt() {
@@ -85,74 +87,112 @@ CGeoPoint& CGeoLine::EndPt() {
     return m_endPt;
 }
 
+// Every cache of the line is kept stale after a failed derivation: the failing request answers
+// GEO_NULL, later ones whatever the field held before. Hosts test the first answer.
+
+double CGeoLine::EnsureDeltaNorth() {
+    return ensure<FailurePolicy::kKeepStale>(
+        m_known, kKnownDeltaNorth, m_deltaNorth, [this](double& out) {
+            geo_nee start;
+            geo_nee end;
+            if (!plan_of_ends(m_startPt, m_endPt, start, end)) {
+                return false;
+            }
+            out = end.north - start.north;
+            return true;
+        });
+}
+
+double CGeoLine::EnsureDeltaEast() {
+    return ensure<FailurePolicy::kKeepStale>(
+        m_known, kKnownDeltaEast, m_deltaEast, [this](double& out) {
+            geo_nee start;
+            geo_nee end;
+            if (!plan_of_ends(m_startPt, m_endPt, start, end)) {
+                return false;
+            }
+            out = end.east - start.east;
+            return true;
+        });
+}
+
+double CGeoLine::EnsureAzimuth() {
+    return ensure<FailurePolicy::kKeepStale>(m_known, kKnownAzimuth, m_azimuth,
+                                             [this](double& out) {
+                                                 const double dn = EnsureDeltaNorth();
+                                                 const double de = EnsureDeltaEast();
+                                                 if (dn == GEO_NULL || de == GEO_NULL) {
+                                                     return false;
+                                                 }
+                                                 out = bearing_of(dn, de);
+                                                 return true;
+                                             });
+}
+
+double CGeoLine::EnsureHDistance() {
+    return ensure<FailurePolicy::kKeepStale>(m_known, kKnownHDistance, m_hDistance,
+                                             [this](double& out) {
+                                                 const double dn = EnsureDeltaNorth();
+                                                 const double de = EnsureDeltaEast();
+                                                 if (dn == GEO_NULL || de == GEO_NULL) {
+                                                     return false;
+                                                 }
+                                                 out = std::sqrt(dn * dn + de * de);
+                                                 return true;
+                                             });
+}
+
+double CGeoLine::EnsureVDistance() {
+    return ensure<FailurePolicy::kKeepStale>(m_known, kKnownVDistance, m_vDistance,
+                                             [this](double& out) {
+                                                 const double start = m_startPt.Elevation();
+                                                 const double end = m_endPt.Elevation();
+                                                 if (start == GEO_NULL || end == GEO_NULL) {
+                                                     return false;
+                                                 }
+                                                 out = end - start;
+                                                 return true;
+                                             });
+}
+
+double CGeoLine::EnsureGrade() {
+    return ensure<FailurePolicy::kKeepStale>(m_known, kKnownGrade, m_grade, [this](double& out) {
+        if (m_startPt.Ok3DGrid() == 0 || m_endPt.Ok3DGrid() == 0) {
+            return false;
+        }
+        const double h = EnsureHDistance();
+        const double v = EnsureVDistance();
+        if (h < kVerticalTolerance && std::fabs(v) < kVerticalTolerance) {
+            out = 0.0;
+        } else if (h < kVerticalTolerance) {
+            // A vertical line is given a grade of +-pi (not +-pi/2 as a gradient would
+            // be): hosts compare against +-pi to recognise it.
+            out = v > 0.0 ? kPi : -kPi;
+        } else {
+            out = std::atan(v / h);
+        }
+        return true;
+    });
+}
+
 double CGeoLine::GridDeltaNorth() {
-    if ((m_known & KNOWN_DELTA_NORTH) != 0) {
-        return m_deltaNorth;
-    }
-    m_known |= KNOWN_DELTA_NORTH;
-    geo_nee start;
-    geo_nee end;
-    if (!plan_of_ends(m_startPt, m_endPt, start, end)) {
-        return GEO_NULL;
-    }
-    m_deltaNorth = end.north - start.north;
-    return m_deltaNorth;
+    return EnsureDeltaNorth();
 }
 
 double CGeoLine::GridDeltaEast() {
-    if ((m_known & KNOWN_DELTA_EAST) != 0) {
-        return m_deltaEast;
-    }
-    m_known |= KNOWN_DELTA_EAST;
-    geo_nee start;
-    geo_nee end;
-    if (!plan_of_ends(m_startPt, m_endPt, start, end)) {
-        return GEO_NULL;
-    }
-    m_deltaEast = end.east - start.east;
-    return m_deltaEast;
+    return EnsureDeltaEast();
 }
 
 double CGeoLine::GridAzimuth() {
-    if ((m_known & KNOWN_AZIMUTH) != 0) {
-        return m_azimuth;
-    }
-    m_known |= KNOWN_AZIMUTH;
-    const double dn = GridDeltaNorth();
-    const double de = GridDeltaEast();
-    if (dn == GEO_NULL || de == GEO_NULL) {
-        return GEO_NULL;
-    }
-    m_azimuth = bearing_of(dn, de);
-    return m_azimuth;
+    return EnsureAzimuth();
 }
 
 double CGeoLine::GridHDistance() {
-    if ((m_known & KNOWN_HDISTANCE) != 0) {
-        return m_hDistance;
-    }
-    m_known |= KNOWN_HDISTANCE;
-    const double dn = GridDeltaNorth();
-    const double de = GridDeltaEast();
-    if (dn == GEO_NULL || de == GEO_NULL) {
-        return GEO_NULL;
-    }
-    m_hDistance = std::sqrt(dn * dn + de * de);
-    return m_hDistance;
+    return EnsureHDistance();
 }
 
 double CGeoLine::GeoidVDistance() {
-    if ((m_known & KNOWN_VDISTANCE) != 0) {
-        return m_vDistance;
-    }
-    m_known |= KNOWN_VDISTANCE;
-    const double start = m_startPt.Elevation();
-    const double end = m_endPt.Elevation();
-    if (start == GEO_NULL || end == GEO_NULL) {
-        return GEO_NULL;
-    }
-    m_vDistance = end - start;
-    return m_vDistance;
+    return EnsureVDistance();
 }
 
 double CGeoLine::GridSlopeDistance() {
@@ -165,25 +205,7 @@ double CGeoLine::GridSlopeDistance() {
 }
 
 double CGeoLine::GeoidGrade() {
-    if ((m_known & KNOWN_GRADE) != 0) {
-        return m_grade;
-    }
-    m_known |= KNOWN_GRADE;
-    if (m_startPt.Ok3DGrid() == 0 || m_endPt.Ok3DGrid() == 0) {
-        return GEO_NULL;
-    }
-    const double h = GridHDistance();
-    const double v = GeoidVDistance();
-    if (h < kVerticalTolerance && std::fabs(v) < kVerticalTolerance) {
-        m_grade = 0.0;
-    } else if (h < kVerticalTolerance) {
-        // A vertical line is given a grade of +-pi (not +-pi/2 as a gradient would be): hosts
-        // compare against +-pi to recognise it.
-        m_grade = v > 0.0 ? kPi : -kPi;
-    } else {
-        m_grade = std::atan(v / h);
-    }
-    return m_grade;
+    return EnsureGrade();
 }
 
 double CGeoLine::GridDivergence(double azimuth) {

@@ -1,7 +1,8 @@
 // Points with lazily derived grid coordinates.
 #include "qv5/geopoint.h"
 
-#include "geometry/traverse.h"
+#include "core/lazy_cache.h"
+#include "core/null_records.h"
 #include "qv5/geo7ptrans.h"
 #include "qv5/geosurvey.h"
 #include "qv5/geotrans.h"
@@ -10,9 +11,14 @@
 
 namespace {
 
+using qv5::detail::ensure_group;
+using qv5::detail::FailurePolicy;
+using qv5::detail::forget;
+using qv5::detail::is_known;
 using qv5::detail::kNullGrid;
-constexpr geo_llh kNullWgs84{GEO_NULL, GEO_NULL, GEO_NULL};
-constexpr geo_hvd kNullObs{GEO_NULL, GEO_NULL, GEO_NULL};
+using qv5::detail::kNullObs;
+using qv5::detail::kNullWgs84;
+using qv5::detail::remember;
 
 /// True when a calibration is attached and reports itself calibrated.
 bool calibrated(CGeoTransformation* transformation) {
@@ -37,7 +43,8 @@ CGeoPoint::~CGeoPoint() = default;
 
 void CGeoPoint::SetGrid(const geo_nee& grid) {
     m_grid = grid;
-    m_flags = PT_GRID;
+    forget(m_flags, kAllFlags);
+    remember(m_flags, PT_GRID);
     m_given = PT_GRID;
 }
 
@@ -48,7 +55,8 @@ void CGeoPoint::SetGrid(double north, double east, double elevation) {
 void CGeoPoint::SetHVD(const geo_hvd& obs, CGeoPoint& station) {
     m_obs = obs;
     m_station = &station;
-    m_flags = PT_OBS;
+    forget(m_flags, kAllFlags);
+    remember(m_flags, PT_OBS);
     m_given = PT_OBS;
 }
 
@@ -59,19 +67,21 @@ void CGeoPoint::SetHVD(double hz, double vz, double dist, CGeoPoint& station) {
 void CGeoPoint::SetStation(const CGeoPoint& point, double hi) {
     *this = point;
     m_hi = hi;
-    m_flags |= PT_STATION;
+    remember(m_flags, PT_STATION);
 }
 
 void CGeoPoint::SetWGS84(const geo_llh& wgs84) {
     m_wgs84 = wgs84;
-    m_flags = PT_WGS84;
+    forget(m_flags, kAllFlags);
+    remember(m_flags, PT_WGS84);
     m_given = PT_WGS84;
 }
 
 void CGeoPoint::SetTransformation(CGeoTransformation& transformation) {
     m_transformation = &transformation;
     // Derived values belong to the old calibration (or to none); the definition does not.
-    m_flags = m_given | (m_flags & PT_STATION);
+    forget(m_flags, kAllFlags & ~PT_STATION);
+    remember(m_flags, m_given);
 }
 
 double CGeoPoint::HI() const {
@@ -82,46 +92,47 @@ std::uint64_t CGeoPoint::Flags() const {
     return m_flags;
 }
 
-double CGeoPoint::DeriveGrid(double geo_nee::*coordinate) {
-    if ((m_flags & PT_GRID) != 0) {
-        return m_grid.*coordinate;
-    }
-    // From here on the point counts as having a grid value: a failed derivation is cached as
-    // GEO_NULL and is not retried until a Set clears the flag.
-    m_flags |= PT_GRID;
-    m_grid = kNullGrid;
-    if ((m_flags & PT_WGS84) != 0 && calibrated(m_transformation)) {
-        m_transformation->Forward(m_wgs84, m_grid);
-        return m_grid.*coordinate;
-    }
-    if ((m_flags & PT_OBS) == 0 || m_station == nullptr) {
-        return GEO_NULL;
-    }
-    // Plan position needs a station with an instrument height; the elevation is reduced even
-    // from a plain point, with whatever instrument height it holds.
-    if (coordinate != &geo_nee::elev && (m_station->m_flags & PT_STATION) == 0) {
-        return GEO_NULL;
-    }
-    geo_nee station_grid;
-    m_station->GetGrid(station_grid);
-    geo_reduce_obs(m_obs, station_grid, m_station->m_hi, m_grid);
+double CGeoPoint::EnsureGrid(double geo_nee::*coordinate) {
+    // The point counts as having a grid value from the moment the derivation starts, even if it
+    // fails: a failed derivation is cached as GEO_NULL and is not retried until a Set clears the
+    // flag (and a point observed from itself sees GEO_NULL instead of recursing).
+    ensure_group<FailurePolicy::kRememberNull>(m_flags, PT_GRID, [this, coordinate] {
+        m_grid = kNullGrid;
+        if (is_known(m_flags, PT_WGS84) && calibrated(m_transformation)) {
+            m_transformation->Forward(m_wgs84, m_grid);
+            return true;
+        }
+        if (!is_known(m_flags, PT_OBS) || m_station == nullptr) {
+            return false;
+        }
+        // Plan position needs a station with an instrument height; the elevation is reduced
+        // even from a plain point, with whatever instrument height it holds. So the coordinate
+        // asked first decides what is cached.
+        if (coordinate != &geo_nee::elev && !is_known(m_station->m_flags, PT_STATION)) {
+            return false;
+        }
+        geo_nee station_grid;
+        m_station->GetGrid(station_grid);
+        geo_reduce_obs(m_obs, station_grid, m_station->m_hi, m_grid);
+        return true;
+    });
     return m_grid.*coordinate;
 }
 
 double CGeoPoint::Northing() {
-    return DeriveGrid(&geo_nee::north);
+    return EnsureGrid(&geo_nee::north);
 }
 
 double CGeoPoint::Easting() {
-    return DeriveGrid(&geo_nee::east);
+    return EnsureGrid(&geo_nee::east);
 }
 
 double CGeoPoint::Elevation() {
-    return DeriveGrid(&geo_nee::elev);
+    return EnsureGrid(&geo_nee::elev);
 }
 
 geo_nee& CGeoPoint::GetGrid(geo_nee& grid) {
-    if ((m_flags & PT_GRID) != 0) {
+    if (is_known(m_flags, PT_GRID)) {
         grid = m_grid;
         return grid;
     }
@@ -139,38 +150,34 @@ geo_nee& CGeoPoint::Grid() {
     return m_grid;
 }
 
-double CGeoPoint::DeriveWgs84(double geo_llh::*coordinate) {
-    if ((m_flags & PT_WGS84) != 0) {
-        return m_wgs84.*coordinate;
-    }
-    m_flags |= PT_WGS84;
-    m_wgs84 = kNullWgs84;
-    // Only a grid value the point already holds is converted: the grid of an observed point is
-    // not derived on the way.
-    if ((m_flags & PT_GRID) == 0) {
-        return GEO_NULL;
-    }
-    if (!calibrated(m_transformation)) {
-        return GEO_NULL;
-    }
-    m_transformation->Reverse(m_grid, m_wgs84);
+double CGeoPoint::EnsureWgs84(double geo_llh::*coordinate) {
+    ensure_group<FailurePolicy::kRememberNull>(m_flags, PT_WGS84, [this] {
+        m_wgs84 = kNullWgs84;
+        // Only a grid value the point already holds is converted: the grid of an observed point
+        // is not derived on the way.
+        if (!is_known(m_flags, PT_GRID) || !calibrated(m_transformation)) {
+            return false;
+        }
+        m_transformation->Reverse(m_grid, m_wgs84);
+        return true;
+    });
     return m_wgs84.*coordinate;
 }
 
 double CGeoPoint::WGS84Lat() {
-    return DeriveWgs84(&geo_llh::lat);
+    return EnsureWgs84(&geo_llh::lat);
 }
 
 double CGeoPoint::WGS84Lon() {
-    return DeriveWgs84(&geo_llh::lon);
+    return EnsureWgs84(&geo_llh::lon);
 }
 
 double CGeoPoint::WGS84Hgt() {
-    return DeriveWgs84(&geo_llh::height);
+    return EnsureWgs84(&geo_llh::height);
 }
 
 void CGeoPoint::GridTransform(CGeo7PTrans& transformation) {
-    if ((m_flags & PT_GRID) != 0) {
+    if (is_known(m_flags, PT_GRID)) {
         transformation.Transform(m_grid);
     }
 }

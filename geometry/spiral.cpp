@@ -8,6 +8,7 @@
 
 #include "core/angles.h"
 #include "core/constants.h"
+#include "core/lazy_cache.h"
 #include "geometry/clothoid.h"
 #include "geometry/point_access.h"
 #include "geometry/spiral_math.h"
@@ -16,118 +17,10 @@
 #include "qv5/geoline.h"
 
 #include <cmath>
+#include <cstdint>
+#include <new>
 
 using namespace qv5::detail;
-
-namespace qv5::detail {
-
-double spiral_azimuth(const SpiralShape& shape, double station) {
-    const double deflection =
-        clothoid_deflection(distance_from_straight(shape, station), shape.spiral_constant);
-    if (deflection == GEO_NULL || shape.tangent_azimuth == GEO_NULL) {
-        return GEO_NULL;
-    }
-    // Towards the curve from the entry straight; back from the exit straight.
-    const bool clockwise = (shape.kind == SpiralKind::Entry) == shape.turns_right;
-    return normalised_bearing(clockwise ? shape.tangent_azimuth + deflection
-                                        : shape.tangent_azimuth - deflection);
-}
-
-namespace {
-
-/// Azimuth of the step along the straight from its end towards the point's foot: forwards from
-/// an entry spiral's start, backwards from an exit spiral's end.
-double along_azimuth(const SpiralShape& shape) {
-    return shape.kind == SpiralKind::Entry ? shape.tangent_azimuth
-                                           : normalised_bearing(shape.tangent_azimuth + kPi);
-}
-
-} // namespace
-
-SpiralLayout::SpiralLayout(const SpiralShape& shape)
-    : m_shape(shape), m_along(along_azimuth(shape), false),
-      m_across(shape.tangent_azimuth + kHalfPi, !shape.turns_right) {}
-
-bool SpiralLayout::point(double station, double tolerance, geo_nee& out) {
-    if (!has_plan(m_shape.straight_end) || m_shape.tangent_azimuth == GEO_NULL) {
-        return false;
-    }
-    double x = 0.0;
-    double y = 0.0;
-    if (!clothoid_deltas(distance_from_straight(m_shape, station), m_shape.spiral_constant,
-                         tolerance, x, y)) {
-        return false;
-    }
-    const geo_nee foot = m_along.step(m_shape.straight_end, x);
-    if (!m_shape.turns_right) {
-        y = -y;
-    }
-    out = m_across.step(foot, y);
-    return true;
-}
-
-bool spiral_point(const SpiralShape& shape, double station, double tolerance, geo_nee& out) {
-    SpiralLayout layout(shape);
-    return layout.point(station, tolerance, out);
-}
-
-namespace {
-
-/// True when a chord that deviates from the normal by `deviation` is square to the tangent
-/// within the angle atan(ratio) that the tolerance subtends over the chord.
-///
-/// atan(r) <= r for r >= 0, and a faithfully rounded atan cannot round above r, which is itself
-/// a double; so a deviation of at least r is never within atan(r). Only a smaller deviation needs
-/// the arctangent, and the answer is the same either way. Steps that move on (all but the last)
-/// are spared an arctangent.
-bool square_within(double deviation, double ratio) {
-    return deviation < ratio && deviation < std::atan(ratio);
-}
-
-} // namespace
-
-ProjectionStep spiral_projection_step(SpiralLayout& layout, const geo_nee& point, double tolerance,
-                                      double& station, double& offset, double& azimuth) {
-    azimuth = spiral_azimuth(layout.shape(), station);
-    geo_nee on_spiral;
-    if (azimuth == GEO_NULL || !layout.point(station, tolerance, on_spiral)) {
-        return ProjectionStep::Failed;
-    }
-    const double dn = point.north - on_spiral.north;
-    const double de = point.east - on_spiral.east;
-    const double chord = std::sqrt(dn * dn + de * de);
-    if (chord < tolerance) {
-        offset = 0.0;
-        return ProjectionStep::Converged;
-    }
-    // Square to the tangent within the angle the tolerance subtends over the chord.
-    const double ratio = tolerance / chord;
-    const double chord_azimuth = bearing_of(dn, de);
-    if (normalised_bearing(chord_azimuth - azimuth) > kPi) {
-        const double normal = normalised_bearing(azimuth - kHalfPi);
-        if (square_within(std::fabs(divergence(normal, chord_azimuth)), ratio)) {
-            offset = -chord;
-            return ProjectionStep::Converged;
-        }
-        // Half a step, from the left.
-        station = station + std::sin(normalised_bearing(normal - chord_azimuth)) * chord * (-0.5);
-    } else {
-        const double normal = normalised_bearing(azimuth + kHalfPi);
-        if (square_within(std::fabs(divergence(normal, chord_azimuth)), ratio)) {
-            offset = chord;
-            return ProjectionStep::Converged;
-        }
-        station = station + std::sin(normalised_bearing(normal - chord_azimuth)) * chord;
-    }
-    return ProjectionStep::Moved;
-}
-
-SpiralState::SpiralState()
-    : radius(GEO_NULL), length(GEO_NULL), entryAzimuth(GEO_NULL), exitAzimuth(GEO_NULL),
-      spiralConstant(GEO_NULL), endDeltaX(GEO_NULL), endDeltaY(GEO_NULL), direction(geodef_Left),
-      known(0) {}
-
-} // namespace qv5::detail
 
 namespace {
 
@@ -199,215 +92,95 @@ void straight_point(CGeoPoint& origin, double azimuth, double distance, CGeoPoin
     tangent.GridHorzPoint(distance, result);
 }
 
-/// Unknown values read as `GEO_NULL` from then on, as the accessors promise.
-double known_or_null(qv5::detail::SpiralState& s, std::uint64_t bit, double& field) {
-    if ((s.known & bit) == 0) {
-        s.known |= bit;
-        field = GEO_NULL;
-    }
-    return field;
-}
-
-using State = qv5::detail::SpiralState;
-
-double length_of(State& s) {
-    return known_or_null(s, State::KNOWN_LENGTH, s.length);
-}
-
-double radius_of(State& s) {
-    return known_or_null(s, State::KNOWN_RADIUS, s.radius);
-}
-
-double entry_azimuth_of(State& s) {
-    return known_or_null(s, State::KNOWN_ENTRY_AZIMUTH, s.entryAzimuth);
-}
-
-geodef_Direction direction_of(State& s) {
-    if ((s.known & State::KNOWN_DIRECTION) == 0) {
-        s.known |= State::KNOWN_DIRECTION;
-        s.direction = geodef_Left;
-    }
-    return s.direction;
-}
-
-void set_spiral(State& s, CGeoPoint& start, double azimuth, geodef_Direction direction,
-                double radius, double length) {
-    s.radius = radius;
-    s.length = length;
-    s.entryAzimuth = azimuth;
-    s.direction = direction;
-    s.startPt = start;
-    s.spiralConstant = radius * length * 2.0;
-    s.known = State::KNOWN_ENTRY_AZIMUTH | State::KNOWN_LENGTH | State::KNOWN_RADIUS |
-              State::KNOWN_DIRECTION | State::KNOWN_START_POINT;
-}
-
-CGeoPoint& start_point_of(State& s) {
-    if ((s.known & State::KNOWN_START_POINT) == 0) {
-        s.startPt.SetGrid(kNullGrid);
-    }
-    return s.startPt;
-}
-
-double exit_azimuth_of(State& s) {
-    if ((s.known & State::KNOWN_EXIT_AZIMUTH) != 0) {
-        return s.exitAzimuth;
-    }
-    s.known |= State::KNOWN_EXIT_AZIMUTH;
-    s.exitAzimuth = GEO_NULL;
-    if ((s.known & State::KNOWN_ENTRY_AZIMUTH) == 0 || s.entryAzimuth == GEO_NULL) {
-        return GEO_NULL;
-    }
-    // The whole spiral turns by L^2 / C = L / (2 R), the same deflection its azimuth formula
-    // gives at the full length.
-    const double deflection = clothoid_deflection(s.length, s.spiralConstant);
-    if (deflection == GEO_NULL) {
-        return GEO_NULL;
-    }
-    s.exitAzimuth = normalised_bearing(
-        direction_of(s) != geodef_Left ? s.entryAzimuth + deflection : s.entryAzimuth - deflection);
-    return s.exitAzimuth;
-}
-
-/// The handling both spirals share, told which of the two it serves.
+/// Everything a spiral holds, in the order of its fields, with the caching and the handling
+/// both spirals share, told which of the two it serves. The public classes keep it in an opaque
+/// block of their own and forward to it.
 template <SpiralKind Kind>
-struct Spiral {
+class Spiral {
+public:
     static constexpr bool kEntry = Kind == SpiralKind::Entry;
 
-    /// The clothoid as laid out on the ground; its straight end is the start of an entry
-    /// spiral and the (derived) end of an exit spiral.
-    static SpiralShape shape(State& s) {
-        SpiralShape shape{Kind,         kNullGrid,        GEO_NULL,
-                          length_of(s), s.spiralConstant, direction_of(s) != geodef_Left};
-        if constexpr (kEntry) {
-            shape.straight_end = grid_of(start_point_of(s));
-            shape.tangent_azimuth = entry_azimuth_of(s);
-        } else {
-            shape.straight_end = grid_of(end_point(s));
-            shape.tangent_azimuth = exit_azimuth_of(s);
-        }
-        return shape;
+    void set(CGeoPoint& start, double azimuth, geodef_Direction direction, double radius,
+             double length) {
+        m_radius = radius;
+        m_length = length;
+        m_entryAzimuth = azimuth;
+        m_direction = direction;
+        m_startPt = start;
+        m_spiralConstant = radius * length * 2.0;
+        forget(m_known, kKnownEverything);
+        remember(m_known, kKnownEntryAzimuth | kKnownLength | kKnownRadius | kKnownDirection |
+                              kKnownStartPoint);
     }
 
-    /// The end point: the series at the full length, laid from the start. The entry spiral
-    /// lays it off its entry tangent; the exit spiral off its exit tangent, across which the
-    /// start lies on the outside of the turn.
-    static CGeoPoint& end_point(State& s) {
-        if ((s.known & State::KNOWN_END_POINT) != 0) {
-            return s.endPt;
-        }
-        s.known |= State::KNOWN_END_POINT;
-        s.endPt = CGeoPoint(kNullGrid);
-        if ((s.known & State::KNOWN_LENGTH) == 0) {
-            return s.endPt;
-        }
-        clothoid_deltas(s.length, s.spiralConstant, kSpiralEndTolerance, s.endDeltaX, s.endDeltaY);
-        const double azimuth = kEntry ? s.entryAzimuth : exit_azimuth_of(s);
-        const bool flip = kEntry ? direction_of(s) == geodef_Left : direction_of(s) == geodef_Right;
-        if (flip && s.endDeltaY != GEO_NULL) {
-            s.endDeltaY = -s.endDeltaY;
-        }
-        const geo_nee start = grid_of(start_point_of(s));
-        if (s.endDeltaX == GEO_NULL || azimuth == GEO_NULL || !has_plan(start)) {
-            return s.endPt;
-        }
-        const geo_nee foot = level_step(start, azimuth, s.endDeltaX);
-        s.endPt = s.startPt;
-        s.endPt.SetGrid(level_step(foot, normalised_bearing(azimuth + kHalfPi), s.endDeltaY));
-        return s.endPt;
-    }
+    double length() { return EnsureLength(); }
+    double radius() { return EnsureRadius(); }
+    double entry_azimuth() { return EnsureEntryAzimuth(); }
+    geodef_Direction direction() { return EnsureDirection(); }
+    double exit_azimuth() { return EnsureExitAzimuth(); }
+    CGeoPoint& start_point() { return EnsureStartPoint(); }
+    CGeoPoint& end_point() { return EnsureEndPoint(); }
 
-    static double radius_at_station(State& s, double station) {
-        if ((s.known & State::KNOWN_LENGTH) == 0 || (s.known & State::KNOWN_RADIUS) == 0 ||
-            s.length == GEO_NULL || s.radius == GEO_NULL || std::isnan(station)) {
+    double radius_at_station(double station) {
+        if (!is_known(m_known, kKnownLength | kKnownRadius) || m_length == GEO_NULL ||
+            m_radius == GEO_NULL || std::isnan(station)) {
             return GEO_NULL;
         }
         // The curvature grows linearly from 0 at the straight end to 1/R at the curved end.
         if (station <= 0.0) {
-            return kEntry ? kInfiniteRadius : s.radius;
+            return kEntry ? kInfiniteRadius : m_radius;
         }
-        if (station >= s.length) {
-            return kEntry ? s.radius : kInfiniteRadius;
+        if (station >= m_length) {
+            return kEntry ? m_radius : kInfiniteRadius;
         }
-        return s.radius * s.length / (kEntry ? station : s.length - station);
+        return m_radius * m_length / (kEntry ? station : m_length - station);
     }
 
-    static double grid_azimuth(State& s, double station) {
+    double grid_azimuth(double station) {
         SpiralShape shape{
-            Kind,         kNullGrid,        kEntry ? entry_azimuth_of(s) : exit_azimuth_of(s),
-            length_of(s), s.spiralConstant, direction_of(s) != geodef_Left};
+            Kind,           kNullGrid,        kEntry ? EnsureEntryAzimuth() : EnsureExitAzimuth(),
+            EnsureLength(), m_spiralConstant, EnsureDirection() != geodef_Left};
         return spiral_azimuth(shape, station);
     }
 
-    /// The arc before an exit spiral's start or beyond an entry spiral's end.
-    static CGeoArc arc_continuation(State& s) {
-        if constexpr (kEntry) {
-            const double azimuth = exit_azimuth_of(s);
-            return continuing_arc(end_point(s), azimuth, radius_of(s), direction_of(s));
-        } else {
-            return continuing_arc(start_point_of(s), entry_azimuth_of(s), radius_of(s),
-                                  direction_of(s));
-        }
-    }
-
-    static void grid_horz_point(State& s, double station, double tolerance, CGeoPoint& result) {
+    void grid_horz_point(double station, double tolerance, CGeoPoint& result) {
         result.SetGrid(kNullGrid);
-        if (s.known == 0) {
+        if (m_known == 0) {
             return;
         }
-        const double length = length_of(s);
+        const double length = EnsureLength();
         if (length == GEO_NULL) {
             return;
         }
         if (station < 0.0) {
             if constexpr (kEntry) {
-                straight_point(start_point_of(s), entry_azimuth_of(s), station, result);
+                straight_point(EnsureStartPoint(), EnsureEntryAzimuth(), station, result);
             } else {
-                arc_continuation(s).GridHorzPoint(station, result);
+                arc_continuation().GridHorzPoint(station, result);
             }
         } else if (station <= length) {
             geo_nee grid;
-            if (spiral_point(shape(s), station, tolerance, grid)) {
-                result = s.startPt;
+            if (spiral_point(shape(), station, tolerance, grid)) {
+                result = m_startPt;
                 result.SetGrid(grid);
             }
         } else if (station > length) {
             if constexpr (kEntry) {
-                arc_continuation(s).GridHorzPoint(station - length, result);
+                arc_continuation().GridHorzPoint(station - length, result);
             } else {
-                const double azimuth = exit_azimuth_of(s);
-                straight_point(end_point(s), azimuth, station - length, result);
+                const double azimuth = EnsureExitAzimuth();
+                straight_point(EnsureEndPoint(), azimuth, station - length, result);
             }
         }
     }
 
-    /// Before the start: the entry straight, or the arc an exit spiral leaves.
-    static Continuation before_start(State& s, CGeoPoint& point, Deltas& out) {
-        if constexpr (kEntry) {
-            return straight_deltas(start_point_of(s), entry_azimuth_of(s), point, true, 0.0, out);
-        } else {
-            return arc_continuation_deltas(arc_continuation(s), point, true, 0.0, out);
-        }
-    }
-
-    /// Beyond the end: the arc an entry spiral joins, or the exit straight.
-    static Continuation beyond_end(State& s, CGeoPoint& point, Deltas& out) {
-        const double length = length_of(s);
-        if constexpr (kEntry) {
-            return arc_continuation_deltas(arc_continuation(s), point, false, length, out);
-        } else {
-            const double azimuth = exit_azimuth_of(s);
-            return straight_deltas(end_point(s), azimuth, point, false, length, out);
-        }
-    }
-
-    static void grid_deltas(State& s, CGeoPoint& point, double start_station, double tolerance,
-                            double& station, double& offset, double& azimuth) {
+    void grid_deltas(CGeoPoint& point, double start_station, double tolerance, double& station,
+                     double& offset, double& azimuth) {
         station = GEO_NULL;
         offset = GEO_NULL;
         azimuth = GEO_NULL;
         const geo_nee p = grid_of(point);
-        SpiralLayout spiral(shape(s));
+        SpiralLayout spiral(shape());
         const double length = spiral.shape().length;
         if (!has_plan(p) || length == GEO_NULL) {
             return;
@@ -418,7 +191,7 @@ struct Spiral {
         double s_try = start_station == GEO_NULL ? 0.0 : start_station;
         for (int step = 0; step < kSpiralMaxSteps && !done; ++step) {
             if (s_try < 0.0) {
-                const Continuation c = before_start(s, point, found);
+                const Continuation c = before_start(point, found);
                 if (c == Continuation::Failed) {
                     return;
                 }
@@ -426,7 +199,7 @@ struct Spiral {
                 s_try = 0.0;
             }
             if (!done && s_try > length) {
-                const Continuation c = beyond_end(s, point, found);
+                const Continuation c = beyond_end(point, found);
                 if (c == Continuation::Failed) {
                     return;
                 }
@@ -453,129 +226,303 @@ struct Spiral {
         offset = found.offset;
         azimuth = found.azimuth;
     }
+
+private:
+    /// Bits of m_known: which value has been given, derived or attempted.
+    enum : std::uint64_t {
+        kKnownEndPoint = 1,
+        kKnownEntryAzimuth = 2,
+        kKnownLength = 4,
+        kKnownRadius = 8,
+        kKnownDirection = 16,
+        kKnownExitAzimuth = 32,
+        kKnownStartPoint = 64,
+        kKnownEverything = 127,
+    };
+
+    // Given values read GEO_NULL (the direction: left) from then on when they were not given.
+    double EnsureLength() { return ensure_default(m_known, kKnownLength, m_length, GEO_NULL); }
+    double EnsureRadius() { return ensure_default(m_known, kKnownRadius, m_radius, GEO_NULL); }
+    double EnsureEntryAzimuth() {
+        return ensure_default(m_known, kKnownEntryAzimuth, m_entryAzimuth, GEO_NULL);
+    }
+    geodef_Direction EnsureDirection() {
+        return ensure_default(m_known, kKnownDirection, m_direction, geodef_Left);
+    }
+
+    /// A start point that was never given reads all-null, every time: nothing is remembered.
+    CGeoPoint& EnsureStartPoint() {
+        ensure_group<FailurePolicy::kRetry>(m_known, kKnownStartPoint, [this] {
+            m_startPt.SetGrid(kNullGrid);
+            return false;
+        });
+        return m_startPt;
+    }
+
+    double EnsureExitAzimuth() {
+        return ensure<FailurePolicy::kRememberNull>(
+            m_known, kKnownExitAzimuth, m_exitAzimuth, [this](double& out) {
+                if (!is_known(m_known, kKnownEntryAzimuth) || m_entryAzimuth == GEO_NULL) {
+                    return false;
+                }
+                // The whole spiral turns by L^2 / C = L / (2 R), the same deflection its
+                // azimuth formula gives at the full length.
+                const double deflection = clothoid_deflection(m_length, m_spiralConstant);
+                if (deflection == GEO_NULL) {
+                    return false;
+                }
+                out = normalised_bearing(EnsureDirection() != geodef_Left
+                                             ? m_entryAzimuth + deflection
+                                             : m_entryAzimuth - deflection);
+                return true;
+            });
+    }
+
+    /// The end point: the series at the full length, laid from the start. The entry spiral
+    /// lays it off its entry tangent; the exit spiral off its exit tangent, across which the
+    /// start lies on the outside of the turn. A failure is remembered as an all-null point.
+    CGeoPoint& EnsureEndPoint() {
+        ensure_group<FailurePolicy::kRememberNull>(m_known, kKnownEndPoint, [this] {
+            m_endPt = CGeoPoint(kNullGrid);
+            if (!is_known(m_known, kKnownLength)) {
+                return false;
+            }
+            clothoid_deltas(m_length, m_spiralConstant, kSpiralEndTolerance, m_endDeltaX,
+                            m_endDeltaY);
+            const double azimuth = kEntry ? m_entryAzimuth : EnsureExitAzimuth();
+            const bool flip =
+                kEntry ? EnsureDirection() == geodef_Left : EnsureDirection() == geodef_Right;
+            if (flip && m_endDeltaY != GEO_NULL) {
+                m_endDeltaY = -m_endDeltaY;
+            }
+            const geo_nee start = grid_of(EnsureStartPoint());
+            if (m_endDeltaX == GEO_NULL || azimuth == GEO_NULL || !has_plan(start)) {
+                return false;
+            }
+            const geo_nee foot = level_step(start, azimuth, m_endDeltaX);
+            m_endPt = m_startPt;
+            m_endPt.SetGrid(level_step(foot, normalised_bearing(azimuth + kHalfPi), m_endDeltaY));
+            return true;
+        });
+        return m_endPt;
+    }
+
+    /// The clothoid as laid out on the ground; its straight end is the start of an entry
+    /// spiral and the (derived) end of an exit spiral.
+    SpiralShape shape() {
+        SpiralShape shape{Kind,           kNullGrid,        GEO_NULL,
+                          EnsureLength(), m_spiralConstant, EnsureDirection() != geodef_Left};
+        if constexpr (kEntry) {
+            shape.straight_end = grid_of(EnsureStartPoint());
+            shape.tangent_azimuth = EnsureEntryAzimuth();
+        } else {
+            shape.straight_end = grid_of(EnsureEndPoint());
+            shape.tangent_azimuth = EnsureExitAzimuth();
+        }
+        return shape;
+    }
+
+    /// The arc before an exit spiral's start or beyond an entry spiral's end.
+    CGeoArc arc_continuation() {
+        if constexpr (kEntry) {
+            const double azimuth = EnsureExitAzimuth();
+            return continuing_arc(EnsureEndPoint(), azimuth, EnsureRadius(), EnsureDirection());
+        } else {
+            return continuing_arc(EnsureStartPoint(), EnsureEntryAzimuth(), EnsureRadius(),
+                                  EnsureDirection());
+        }
+    }
+
+    /// Before the start: the entry straight, or the arc an exit spiral leaves.
+    Continuation before_start(CGeoPoint& point, Deltas& out) {
+        if constexpr (kEntry) {
+            return straight_deltas(EnsureStartPoint(), EnsureEntryAzimuth(), point, true, 0.0, out);
+        } else {
+            return arc_continuation_deltas(arc_continuation(), point, true, 0.0, out);
+        }
+    }
+
+    /// Beyond the end: the arc an entry spiral joins, or the exit straight.
+    Continuation beyond_end(CGeoPoint& point, Deltas& out) {
+        const double length = EnsureLength();
+        if constexpr (kEntry) {
+            return arc_continuation_deltas(arc_continuation(), point, false, length, out);
+        } else {
+            const double azimuth = EnsureExitAzimuth();
+            return straight_deltas(EnsureEndPoint(), azimuth, point, false, length, out);
+        }
+    }
+
+    double m_radius = GEO_NULL;         ///< radius of the adjoining arc, metres
+    double m_length = GEO_NULL;         ///< length of the spiral, metres
+    double m_entryAzimuth = GEO_NULL;   ///< tangent azimuth at the start, as given
+    double m_exitAzimuth = GEO_NULL;    ///< tangent azimuth at the end (cached)
+    double m_spiralConstant = GEO_NULL; ///< C = 2 R L, square metres
+    double m_endDeltaX = GEO_NULL;      ///< series x at the full length (cached with the end)
+    double m_endDeltaY = GEO_NULL;      ///< series y at the full length, signed for the turn
+    geodef_Direction m_direction = geodef_Left;
+    CGeoPoint m_startPt;
+    CGeoPoint m_endPt;
+    std::uint64_t m_known = 0;
 };
 
 using Entry = Spiral<SpiralKind::Entry>;
 using Exit = Spiral<SpiralKind::Exit>;
 
+template <class State>
+State& state_in(unsigned char* block) {
+    return *std::launder(reinterpret_cast<State*>(block));
+}
+
+template <class State>
+const State& state_in(const unsigned char* block) {
+    return *std::launder(reinterpret_cast<const State*>(block));
+}
+
 } // namespace
 
-// ---- CGeoEntrySpiral --------------------------------------------------------------------------
+// ---- CGeoEntrySpiral ----------------------------------------------------------------------------
 
-CGeoEntrySpiral::CGeoEntrySpiral() = default;
+CGeoEntrySpiral::CGeoEntrySpiral() {
+    // The state lives in a block of the class's own, so that the public header shows nothing
+    // of it.
+    static_assert(sizeof(Entry) <= kStateSize, "the spiral state outgrew its block");
+    static_assert(alignof(Entry) <= kStateAlign, "the spiral state is misaligned");
+    new (m_state) Entry();
+}
 
-CGeoEntrySpiral::CGeoEntrySpiral(const CGeoEntrySpiral& other) = default;
+CGeoEntrySpiral::CGeoEntrySpiral(const CGeoEntrySpiral& other) {
+    new (m_state) Entry(state_in<Entry>(other.m_state));
+}
 
-CGeoEntrySpiral& CGeoEntrySpiral::operator=(const CGeoEntrySpiral& other) = default;
+CGeoEntrySpiral& CGeoEntrySpiral::operator=(const CGeoEntrySpiral& other) {
+    state_in<Entry>(m_state) = state_in<Entry>(other.m_state);
+    return *this;
+}
 
-CGeoEntrySpiral::~CGeoEntrySpiral() = default;
+CGeoEntrySpiral::~CGeoEntrySpiral() {
+    state_in<Entry>(m_state).~Entry();
+}
 
 void CGeoEntrySpiral::Set(CGeoPoint& start, double azimuth, geodef_Direction direction,
                           double radius, double length) {
-    set_spiral(m_state, start, azimuth, direction, radius, length);
+    state_in<Entry>(m_state).set(start, azimuth, direction, radius, length);
 }
 
 double CGeoEntrySpiral::Length() {
-    return length_of(m_state);
+    return state_in<Entry>(m_state).length();
 }
 
 double CGeoEntrySpiral::Radius() {
-    return radius_of(m_state);
+    return state_in<Entry>(m_state).radius();
 }
 
 double CGeoEntrySpiral::EntryAzimuth() {
-    return entry_azimuth_of(m_state);
+    return state_in<Entry>(m_state).entry_azimuth();
 }
 
 geodef_Direction CGeoEntrySpiral::Direction() {
-    return direction_of(m_state);
+    return state_in<Entry>(m_state).direction();
 }
 
 double CGeoEntrySpiral::ExitAzimuth() {
-    return exit_azimuth_of(m_state);
+    return state_in<Entry>(m_state).exit_azimuth();
 }
 
 CGeoPoint& CGeoEntrySpiral::StartPt() {
-    return start_point_of(m_state);
+    return state_in<Entry>(m_state).start_point();
 }
 
 CGeoPoint& CGeoEntrySpiral::EndPt() {
-    return Entry::end_point(m_state);
+    return state_in<Entry>(m_state).end_point();
 }
 
 double CGeoEntrySpiral::RadiusAtStation(double station) {
-    return Entry::radius_at_station(m_state, station);
+    return state_in<Entry>(m_state).radius_at_station(station);
 }
 
 double CGeoEntrySpiral::GridAzimuth(double station) {
-    return Entry::grid_azimuth(m_state, station);
+    return state_in<Entry>(m_state).grid_azimuth(station);
 }
 
 void CGeoEntrySpiral::GridHorzPoint(double station, double tolerance, CGeoPoint& result) {
-    Entry::grid_horz_point(m_state, station, tolerance, result);
+    state_in<Entry>(m_state).grid_horz_point(station, tolerance, result);
 }
 
 void CGeoEntrySpiral::GridDeltas(CGeoPoint& point, double startStation, double tolerance,
                                  double& station, double& offset, double& azimuth) {
-    Entry::grid_deltas(m_state, point, startStation, tolerance, station, offset, azimuth);
+    state_in<Entry>(m_state).grid_deltas(point, startStation, tolerance, station, offset, azimuth);
 }
 
-// ---- CGeoExitSpiral ---------------------------------------------------------------------------
+// ---- CGeoExitSpiral -----------------------------------------------------------------------------
 
-CGeoExitSpiral::CGeoExitSpiral() = default;
+CGeoExitSpiral::CGeoExitSpiral() {
+    // The state lives in a block of the class's own, so that the public header shows nothing
+    // of it.
+    static_assert(sizeof(Exit) <= kStateSize, "the spiral state outgrew its block");
+    static_assert(alignof(Exit) <= kStateAlign, "the spiral state is misaligned");
+    new (m_state) Exit();
+}
 
-CGeoExitSpiral::CGeoExitSpiral(const CGeoExitSpiral& other) = default;
+CGeoExitSpiral::CGeoExitSpiral(const CGeoExitSpiral& other) {
+    new (m_state) Exit(state_in<Exit>(other.m_state));
+}
 
-CGeoExitSpiral& CGeoExitSpiral::operator=(const CGeoExitSpiral& other) = default;
+CGeoExitSpiral& CGeoExitSpiral::operator=(const CGeoExitSpiral& other) {
+    state_in<Exit>(m_state) = state_in<Exit>(other.m_state);
+    return *this;
+}
 
-CGeoExitSpiral::~CGeoExitSpiral() = default;
+CGeoExitSpiral::~CGeoExitSpiral() {
+    state_in<Exit>(m_state).~Exit();
+}
 
 void CGeoExitSpiral::Set(CGeoPoint& start, double azimuth, geodef_Direction direction,
                          double radius, double length) {
-    set_spiral(m_state, start, azimuth, direction, radius, length);
+    state_in<Exit>(m_state).set(start, azimuth, direction, radius, length);
 }
 
 double CGeoExitSpiral::Length() {
-    return length_of(m_state);
+    return state_in<Exit>(m_state).length();
 }
 
 double CGeoExitSpiral::Radius() {
-    return radius_of(m_state);
+    return state_in<Exit>(m_state).radius();
 }
 
 double CGeoExitSpiral::EntryAzimuth() {
-    return entry_azimuth_of(m_state);
+    return state_in<Exit>(m_state).entry_azimuth();
 }
 
 geodef_Direction CGeoExitSpiral::Direction() {
-    return direction_of(m_state);
+    return state_in<Exit>(m_state).direction();
 }
 
 double CGeoExitSpiral::ExitAzimuth() {
-    return exit_azimuth_of(m_state);
+    return state_in<Exit>(m_state).exit_azimuth();
 }
 
 CGeoPoint& CGeoExitSpiral::StartPt() {
-    return start_point_of(m_state);
+    return state_in<Exit>(m_state).start_point();
 }
 
 CGeoPoint& CGeoExitSpiral::EndPt() {
-    return Exit::end_point(m_state);
+    return state_in<Exit>(m_state).end_point();
 }
 
 double CGeoExitSpiral::RadiusAtStation(double station) {
-    return Exit::radius_at_station(m_state, station);
+    return state_in<Exit>(m_state).radius_at_station(station);
 }
 
 double CGeoExitSpiral::GridAzimuth(double station) {
-    return Exit::grid_azimuth(m_state, station);
+    return state_in<Exit>(m_state).grid_azimuth(station);
 }
 
 void CGeoExitSpiral::GridHorzPoint(double station, double tolerance, CGeoPoint& result) {
-    Exit::grid_horz_point(m_state, station, tolerance, result);
+    state_in<Exit>(m_state).grid_horz_point(station, tolerance, result);
 }
 
 void CGeoExitSpiral::GridDeltas(CGeoPoint& point, double startStation, double tolerance,
                                 double& station, double& offset, double& azimuth) {
-    Exit::grid_deltas(m_state, point, startStation, tolerance, station, offset, azimuth);
+    state_in<Exit>(m_state).grid_deltas(point, startStation, tolerance, station, offset, azimuth);
 }

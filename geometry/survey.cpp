@@ -3,16 +3,13 @@
 
 #include "core/angles.h"
 #include "core/constants.h"
+#include "core/null_records.h"
 
 #include <cmath>
 
 using namespace qv5::detail;
 
 namespace {
-
-bool is_null(double value) {
-    return value == GEO_NULL;
-}
 
 double plan_distance(const geo_nee& a, const geo_nee& b) {
     const double dn = a.north - b.north;

@@ -4,6 +4,7 @@
 
 #include "core/angles.h"
 #include "core/constants.h"
+#include "core/null_records.h"
 #include "qv5/geodef.h"
 
 #include <cmath>
@@ -88,14 +89,6 @@ private:
 inline geo_nee level_step(const geo_nee& start, double azimuth, double distance) {
     return LevelStepper(azimuth, distance < 0.0).step(start, distance);
 }
-
-/// True when both plan coordinates are set.
-inline bool has_plan(const geo_nee& grid) {
-    return grid.north != GEO_NULL && grid.east != GEO_NULL;
-}
-
-/// A grid record with all three coordinates `GEO_NULL`.
-inline constexpr geo_nee kNullGrid{GEO_NULL, GEO_NULL, GEO_NULL};
 
 } // namespace qv5::detail
 

@@ -20,11 +20,6 @@ namespace {
 constexpr char16_t kDegreeSign = u'\u00B0';
 constexpr char16_t kSecondsMark = u'"';
 
-/// Three right angles: south-west ends and north-west begins here. Written as the literal
-/// 4.71238898038469, which is the same double as 3 × kHalfPi.
-constexpr double kThreeHalfPi = 4.71238898038469;
-static_assert(kThreeHalfPi == 3.0 * kHalfPi);
-
 /// Stationing: the hundreds (or tens) and the rest both carry this nudge, so that 200.0 prints
 /// as 2+00.000 rather than 1+100.000 when 200.0 × 0.01 falls a hair below 2.
 constexpr double kStationNudge = 1e-6;

@@ -98,18 +98,27 @@ public:
     void GridDeltas(CGeoPoint& point, double& station, double& offset, double& azimuth);
 
 private:
+    /// Bits of m_known: which value has been given, derived or attempted.
     enum : std::uint64_t {
-        KNOWN_END_POINT = 1,
-        KNOWN_ENTRY_AZIMUTH = 2,
-        KNOWN_ARC_LENGTH = 4,
-        KNOWN_RADIUS = 8,
-        KNOWN_START_STATION = 16,
-        KNOWN_ANGLE = 32,
-        KNOWN_DIRECTION = 64,
-        KNOWN_CENTRE = 128,
+        kKnownEndPoint = 1,
+        kKnownEntryAzimuth = 2,
+        kKnownArcLength = 4,
+        kKnownRadius = 8,
+        kKnownStartStation = 16,
+        kKnownAngle = 32,
+        kKnownDirection = 64,
+        kKnownCentre = 128,
+        kKnownEverything = 255,
     };
 
-    void DeriveCentre();
+    double EnsureRadius();
+    double EnsureStartStation();
+    geodef_Direction EnsureDirection();
+    double EnsureAngle();
+    double EnsureArcLength();
+    double EnsureEntryAzimuth();
+    CGeoLine& EnsureCentre();
+    CGeoPoint& EnsureEndPoint();
     bool Circle(qv5::detail::ArcCircle& circle);
 
     CGeoPoint m_startPt;

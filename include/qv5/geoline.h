@@ -102,15 +102,23 @@ public:
                                 double tolerance);
 
 private:
+    /// Bits of m_known: which cached value has been derived (or attempted).
     enum : std::uint64_t {
-        KNOWN_HDISTANCE = 1,
-        KNOWN_GRADE = 2,
-        KNOWN_AZIMUTH = 4,
-        KNOWN_VDISTANCE = 8,
-        KNOWN_DELTA_NORTH = 16,
-        KNOWN_DELTA_EAST = 32,
+        kKnownHDistance = 1,
+        kKnownGrade = 2,
+        kKnownAzimuth = 4,
+        kKnownVDistance = 8,
+        kKnownDeltaNorth = 16,
+        kKnownDeltaEast = 32,
+        kKnownEverything = 63,
     };
 
+    double EnsureDeltaNorth();
+    double EnsureDeltaEast();
+    double EnsureAzimuth();
+    double EnsureHDistance();
+    double EnsureVDistance();
+    double EnsureGrade();
     void SnapToLine(double& station, CGeoPoint& point, double tolerance);
     bool VectorToPoint(CGeoPoint& point, double& length, double& azimuth);
 

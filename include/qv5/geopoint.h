@@ -119,8 +119,11 @@ public:
 private:
     friend struct qv5::detail::PointAccess;
 
-    double DeriveGrid(double geo_nee::*coordinate);
-    double DeriveWgs84(double geo_llh::*coordinate);
+    /// Every bit of m_flags: what a Set forgets before it remembers what it gives.
+    static constexpr std::uint64_t kAllFlags = PT_GRID | PT_WGS84 | PT_OBS | PT_STATION;
+
+    double EnsureGrid(double geo_nee::*coordinate);
+    double EnsureWgs84(double geo_llh::*coordinate);
 
     geo_nee m_grid;
     geo_llh m_wgs84;

@@ -15,40 +15,8 @@
 #include "qv5/geodef.h"
 #include "qv5/geopoint.h"
 
+#include <cstddef>
 #include <cstdint>
-
-namespace qv5::detail {
-
-/// The state both spiral classes hold, in the order of their fields. Not part of the
-/// programming interface: the classes keep it private and share its handling.
-struct SpiralState {
-    /// Bits of `known`.
-    enum : std::uint64_t {
-        KNOWN_END_POINT = 1,
-        KNOWN_ENTRY_AZIMUTH = 2,
-        KNOWN_LENGTH = 4,
-        KNOWN_RADIUS = 8,
-        KNOWN_DIRECTION = 16,
-        KNOWN_EXIT_AZIMUTH = 32,
-        KNOWN_START_POINT = 64,
-    };
-
-    SpiralState();
-
-    double radius;         ///< radius of the adjoining arc, metres
-    double length;         ///< length of the spiral, metres
-    double entryAzimuth;   ///< tangent azimuth at the start, as given
-    double exitAzimuth;    ///< tangent azimuth at the end (cached)
-    double spiralConstant; ///< C = 2 R L, square metres
-    double endDeltaX;      ///< series x at the full length (cached with the end point)
-    double endDeltaY;      ///< series y at the full length, signed for the direction (cached)
-    geodef_Direction direction;
-    CGeoPoint startPt;
-    CGeoPoint endPt;
-    std::uint64_t known;
-};
-
-} // namespace qv5::detail
 
 /// A spiral from a straight (infinite radius) at its start to the arc radius at its end.
 /// Before its start it continues as the straight, beyond its end as the arc.
@@ -115,7 +83,14 @@ public:
                     double& offset, double& azimuth);
 
 private:
-    qv5::detail::SpiralState m_state;
+    /// Size of the opaque block that holds the spiral's state.
+    static constexpr std::size_t kStateSize =
+        8 * sizeof(double) + 2 * sizeof(CGeoPoint) + sizeof(std::uint64_t);
+    /// Alignment of that block.
+    static constexpr std::size_t kStateAlign = alignof(CGeoPoint);
+
+    /// The spiral's fields and caches, laid out by the library alone.
+    alignas(kStateAlign) unsigned char m_state[kStateSize];
 };
 
 /// A spiral from the arc radius at its start to a straight at its end: the mirror image of
@@ -164,7 +139,14 @@ public:
                     double& offset, double& azimuth);
 
 private:
-    qv5::detail::SpiralState m_state;
+    /// Size of the opaque block that holds the spiral's state.
+    static constexpr std::size_t kStateSize =
+        8 * sizeof(double) + 2 * sizeof(CGeoPoint) + sizeof(std::uint64_t);
+    /// Alignment of that block.
+    static constexpr std::size_t kStateAlign = alignof(CGeoPoint);
+
+    /// The spiral's fields and caches, laid out by the library alone.
+    alignas(kStateAlign) unsigned char m_state[kStateSize];
 };
 
 #endif // QV5_GEOSPIRAL_H

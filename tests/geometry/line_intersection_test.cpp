@@ -1,12 +1,19 @@
 // CGeoLine::Intersection: crossing, touching and overlapping lines within a tolerance.
 //
+// The cases that differ only in their coordinates are rows of tests/data/line_intersection.csv;
+// the ones below it check something a row cannot (roles swapped, links kept, missing points).
 // Unless stated otherwise "this" line runs 100 m due north from (0, 0, 10) to (100, 0, 20), so
 // its elevation at station s is 10 + 0.1 s, and the tolerance is 1 mm.
 #include "qv5/geoline.h"
 
+#include "support/csv_table.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ostream>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -52,18 +59,92 @@ void expect_at(CGeoPoint& point, double north, double east, double elevation) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// Crossing lines
+// The table of cases
 
-TEST(LineIntersection, XCrossingGivesOneAndTheStation) {
-    // From (40, -30) to (70, 30): crosses east 0 at north 55.
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(40.0, -30.0, 70.0, 30.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 1);
-    EXPECT_NEAR(station, 55.0, kTol);
-    expect_at(point, 55.0, 0.0, 15.5); // this line's elevation, not the other's 999
+struct IntersectionCase {
+    std::string name;
+    geo_nee this_start;
+    geo_nee this_end;
+    double other[4]; // n1, e1, n2, e2
+    double tolerance;
+    unsigned short result;
+    std::string station_check;
+    double station;
+    std::string point_check;
+    geo_nee point;
+};
+
+std::vector<IntersectionCase> intersection_cases() {
+    static const qv5::test::CsvTable table("line_intersection.csv");
+    std::vector<IntersectionCase> cases;
+    for (const qv5::test::CsvRow& row : table.rows()) {
+        IntersectionCase c;
+        c.name = row.text("name");
+        c.this_start = {row.number("this_n1"), row.number("this_e1"), row.number("this_z1")};
+        c.this_end = {row.number("this_n2"), row.number("this_e2"), row.number("this_z2")};
+        c.other[0] = row.number("other_n1");
+        c.other[1] = row.number("other_e1");
+        c.other[2] = row.number("other_n2");
+        c.other[3] = row.number("other_e2");
+        c.tolerance = row.number("tolerance");
+        c.result = static_cast<unsigned short>(row.number("result"));
+        c.station_check = row.text("station_check");
+        c.station = row.number("station");
+        c.point_check = row.text("point_check");
+        if (!c.point_check.empty()) {
+            c.point = {row.number("point_n"), row.number("point_e"), row.number("point_z")};
+        }
+        cases.push_back(c);
+    }
+    return cases;
 }
+
+/// Names a case in test listings by its row name instead of its bytes.
+void PrintTo(const IntersectionCase& c, std::ostream* os) {
+    *os << c.name;
+}
+
+class LineIntersectionTable : public testing::TestWithParam<IntersectionCase> {};
+
+TEST_P(LineIntersectionTable, GivesTheResultStationAndPoint) {
+    const IntersectionCase& c = GetParam();
+    CGeoLine line = line_between(c.this_start, c.this_end);
+    CGeoLine other = other_line(c.other[0], c.other[1], c.other[2], c.other[3]);
+    double station = kUntouched;
+    CGeoPoint point = untouched_point();
+    EXPECT_EQ(line.Intersection(other, station, point, c.tolerance), c.result);
+    if (c.station_check == "untouched") {
+        EXPECT_EQ(station, kUntouched);
+    } else if (c.station_check == "near") {
+        EXPECT_NEAR(station, c.station, kTol);
+    } else {
+        ASSERT_EQ(c.station_check, "exact");
+        EXPECT_EQ(station, c.station);
+    }
+    if (c.point_check == "untouched") {
+        expect_untouched(point);
+    } else if (c.point_check == "near") {
+        expect_at(point, c.point.north, c.point.east, c.point.elev);
+    } else if (c.point_check == "exact") {
+        EXPECT_EQ(point.Northing(), c.point.north);
+        EXPECT_EQ(point.Easting(), c.point.east);
+        EXPECT_EQ(point.Elevation(), c.point.elev);
+    } else {
+        ASSERT_TRUE(c.point_check.empty()) << c.point_check;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, LineIntersectionTable, testing::ValuesIn(intersection_cases()),
+                         [](const testing::TestParamInfo<IntersectionCase>& param_info) {
+                             return param_info.param.name;
+                         });
+
+TEST(LineIntersection, TableHoldsEveryCase) {
+    EXPECT_EQ(intersection_cases().size(), 27u);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Cases a row cannot hold
 
 TEST(LineIntersection, StationIsAlongTheLineAsked) {
     // Asked the other way round: the crossing is half-way along the other line
@@ -77,137 +158,14 @@ TEST(LineIntersection, StationIsAlongTheLineAsked) {
     expect_at(point, 55.0, 0.0, 999.0);
 }
 
-TEST(LineIntersection, DirectionOfTheOtherLineDoesNotMatter) {
+TEST(LineIntersection, IdenticalLinesGiveSixAtTheEnd) {
     CGeoLine line = this_line();
-    CGeoLine other = other_line(70.0, 30.0, 40.0, -30.0);
+    CGeoLine same = this_line();
     double station = kUntouched;
     CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 1);
-    EXPECT_NEAR(station, 55.0, kTol);
-}
-
-TEST(LineIntersection, LinesOnOneSideGiveZero) {
-    CGeoLine line = this_line();
-    CGeoLine right = other_line(10.0, 5.0, 90.0, 8.0);
-    double station = kUntouched;
-    CGeoPoint point = untouched_point();
-    EXPECT_EQ(line.Intersection(right, station, point, kMm), 0);
-    EXPECT_EQ(station, kUntouched);
-    expect_untouched(point);
-}
-
-TEST(LineIntersection, OtherLineCrossingOnlyTheExtensionGivesZero) {
-    // The other line straddles this one's extension beyond the end, but this line lies wholly on
-    // one side of it.
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(140.0, -30.0, 170.0, 30.0);
-    double station = kUntouched;
-    CGeoPoint point = untouched_point();
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 0);
-    EXPECT_EQ(station, kUntouched);
-    expect_untouched(point);
-}
-
-TEST(LineIntersection, CrossingBeyondTheEndGivesZeroButWritesTheStation) {
-    // A shallow line from (91, -0.05) to (111, 0.05) crosses east 0 at north 101. This line's
-    // end is only 1 m x sin(0.005) = 5 mm from it, within a 10 mm tolerance, so the side tests
-    // pass; the crossing station 101 lies beyond 100 + 0.01.
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(91.0, -0.05, 111.0, 0.05);
-    double station = kUntouched;
-    CGeoPoint point = untouched_point();
-    EXPECT_EQ(line.Intersection(other, station, point, 0.01), 0);
-    EXPECT_NEAR(station, 101.0, kTol);
-    expect_untouched(point);
-}
-
-TEST(LineIntersection, CrossingBehindTheStartGivesZeroButWritesTheStation) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(-11.0, -0.05, 9.0, 0.05); // crosses east 0 at north -1
-    double station = kUntouched;
-    CGeoPoint point = untouched_point();
-    EXPECT_EQ(line.Intersection(other, station, point, 0.01), 0);
-    EXPECT_NEAR(station, -1.0, kTol);
-    expect_untouched(point);
-}
-
-// ---------------------------------------------------------------------------------------------
-// Touching lines
-
-TEST(LineIntersection, LineEndingOnTheOtherWithinToleranceGivesFive) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(50.0, -30.0, 50.0, 0.0004);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 5);
-    EXPECT_NEAR(station, 50.0, kTol);
-    expect_at(point, 50.0, 0.0, 15.0);
-}
-
-TEST(LineIntersection, LineEndingExactlyOnTheOtherGivesFive) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(30.0, 25.0, 30.0, 0.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 5);
-    EXPECT_NEAR(station, 30.0, kTol);
-    expect_at(point, 30.0, 0.0, 13.0);
-}
-
-TEST(LineIntersection, LineEndingShortOfTheOtherByMoreThanToleranceGivesZero) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(50.0, -30.0, 50.0, -0.002);
-    double station = kUntouched;
-    CGeoPoint point = untouched_point();
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 0);
-    EXPECT_EQ(station, kUntouched);
-}
-
-TEST(LineIntersection, CrossingNearTheEndSnapsToTheEndPoint) {
-    // Crossing at station 99.9995: within the tolerance of the end.
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(99.9995, -30.0, 99.9995, 30.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 5);
+    EXPECT_EQ(line.Intersection(same, station, point, kMm), 6);
     EXPECT_EQ(station, 100.0);
-    EXPECT_EQ(point.Northing(), 100.0);
-    EXPECT_EQ(point.Easting(), 0.0);
-    EXPECT_EQ(point.Elevation(), 20.0);
-}
-
-TEST(LineIntersection, CrossingJustBeyondTheEndSnapsToTheEndPoint) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(100.0005, -30.0, 100.0005, 30.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 5);
-    EXPECT_EQ(station, 100.0);
-    EXPECT_EQ(point.Northing(), 100.0);
-    EXPECT_EQ(point.Elevation(), 20.0);
-}
-
-TEST(LineIntersection, CrossingNearTheStartSnapsToTheStartPoint) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(0.0005, -30.0, 0.0005, 30.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 5);
-    EXPECT_EQ(station, 0.0);
-    EXPECT_EQ(point.Northing(), 0.0);
-    EXPECT_EQ(point.Easting(), 0.0);
-    EXPECT_EQ(point.Elevation(), 10.0);
-}
-
-TEST(LineIntersection, CrossingJustBehindTheStartSnapsToTheStartPoint) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(-0.0005, -30.0, -0.0005, 30.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 5);
-    EXPECT_EQ(station, 0.0);
-    EXPECT_EQ(point.Northing(), 0.0);
-    EXPECT_EQ(point.Elevation(), 10.0);
+    expect_at(point, 100.0, 0.0, 20.0);
 }
 
 TEST(LineIntersection, SnappedStartPointIsThisLinesStartPoint) {
@@ -221,133 +179,6 @@ TEST(LineIntersection, SnappedStartPointIsThisLinesStartPoint) {
     EXPECT_EQ(line.Intersection(other, station, point, kMm), 5);
     EXPECT_EQ(point.Flags(), CGeoPoint::PT_GRID | CGeoPoint::PT_STATION);
     EXPECT_EQ(point.HI(), 1.5);
-}
-
-// ---------------------------------------------------------------------------------------------
-// Collinear lines
-
-TEST(LineIntersection, CollinearLineInsideGivesSixAtItsFarStation) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(20.0, 0.0, 60.0, 0.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 6);
-    EXPECT_NEAR(station, 60.0, kTol);
-    expect_at(point, 60.0, 0.0, 16.0);
-
-    CGeoLine reversed = other_line(60.0, 0.0, 20.0, 0.0);
-    station = kUntouched;
-    EXPECT_EQ(line.Intersection(reversed, station, point, kMm), 6);
-    EXPECT_NEAR(station, 60.0, kTol);
-}
-
-TEST(LineIntersection, IdenticalLinesGiveSixAtTheEnd) {
-    CGeoLine line = this_line();
-    CGeoLine same = this_line();
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(same, station, point, kMm), 6);
-    EXPECT_EQ(station, 100.0);
-    expect_at(point, 100.0, 0.0, 20.0);
-}
-
-TEST(LineIntersection, ParallelLineWithinToleranceCountsAsCollinear) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(10.0, 0.0005, 40.0, 0.0005);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 6);
-    EXPECT_NEAR(station, 40.0, kTol);
-    expect_at(point, 40.0, 0.0, 14.0);
-}
-
-TEST(LineIntersection, CollinearLineOverlappingTheStartGivesSevenAtTheStart) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(-50.0, 0.0, 30.0, 0.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 7);
-    EXPECT_EQ(station, 0.0);
-    expect_at(point, 0.0, 0.0, 10.0);
-}
-
-TEST(LineIntersection, CollinearLineOverlappingTheEndGivesSevenAtTheEnd) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(20.0, 0.0, 150.0, 0.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 7);
-    EXPECT_EQ(station, 100.0);
-    expect_at(point, 100.0, 0.0, 20.0);
-}
-
-TEST(LineIntersection, CollinearLineCoveringBothEndsGivesSevenAtTheEnd) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(-50.0, 0.0, 150.0, 0.0);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 7);
-    EXPECT_EQ(station, 100.0);
-    expect_at(point, 100.0, 0.0, 20.0);
-}
-
-TEST(LineIntersection, CollinearLinesWithoutOverlapGiveZero) {
-    CGeoLine line = this_line();
-    double station = kUntouched;
-    CGeoPoint point = untouched_point();
-    CGeoLine beyond = other_line(120.0, 0.0, 150.0, 0.0);
-    EXPECT_EQ(line.Intersection(beyond, station, point, kMm), 0);
-    CGeoLine behind = other_line(-50.0, 0.0, -20.0, 0.0);
-    EXPECT_EQ(line.Intersection(behind, station, point, kMm), 0);
-    EXPECT_EQ(station, kUntouched);
-    expect_untouched(point);
-}
-
-TEST(LineIntersection, ShortLineLyingAlongALongOneIsCollinear) {
-    // This line (0, 0) -> (1, 0) lies within 1 cm of the long line (-100, -0.5) -> (100, 0.5)
-    // (its end is 1 m x 0.5 / 100 = 5 mm off it), although the long line's ends are 0.5 m to
-    // either side of this one. Both of this line's ends lie on the other line, so the lines are
-    // collinear; the other line covers both ends, giving the end point.
-    CGeoLine line = line_between({0.0, 0.0, 10.0}, {1.0, 0.0, 11.0});
-    CGeoLine other = other_line(-100.0, -0.5, 100.0, 0.5);
-    double station = kUntouched;
-    CGeoPoint point;
-    EXPECT_EQ(line.Intersection(other, station, point, 0.01), 7);
-    EXPECT_EQ(station, 1.0);
-    expect_at(point, 1.0, 0.0, 11.0);
-}
-
-TEST(LineIntersection, CollinearLineEndingExactlyOneToleranceOutsideGivesZero) {
-    // The overlap test takes stations strictly inside (-tol, length + tol); the test for a line
-    // that reaches beyond this one takes them as outside only beyond those limits. A collinear
-    // line that ends exactly at length + tol (or exactly at -tol) and starts inside falls between
-    // the two and is reported as no intersection. Half a metre is exact in binary, so the
-    // stations land exactly on the limits.
-    CGeoLine line = this_line();
-    double station = kUntouched;
-    CGeoPoint point = untouched_point();
-    CGeoLine past_end = other_line(100.5, 0.0, 50.0, 0.0);
-    EXPECT_EQ(line.Intersection(past_end, station, point, 0.5), 0);
-    CGeoLine before_start = other_line(-0.5, 0.0, 50.0, 0.0);
-    EXPECT_EQ(line.Intersection(before_start, station, point, 0.5), 0);
-    EXPECT_EQ(station, kUntouched);
-    expect_untouched(point);
-    // A hair further out, the line reaches beyond and the overlap is found.
-    CGeoLine further = other_line(100.5001, 0.0, 50.0, 0.0);
-    EXPECT_EQ(line.Intersection(further, station, point, 0.5), 7);
-    EXPECT_EQ(station, 100.0);
-}
-
-TEST(LineIntersection, ParallelLinesTwoTolerancesApartGiveZero) {
-    CGeoLine line = this_line();
-    CGeoLine other = other_line(0.0, 2.0 * kMm, 100.0, 2.0 * kMm);
-    double station = kUntouched;
-    CGeoPoint point = untouched_point();
-    EXPECT_EQ(line.Intersection(other, station, point, kMm), 0);
-    EXPECT_EQ(station, kUntouched);
-    expect_untouched(point);
-    CGeoLine left = other_line(0.0, -2.0 * kMm, 100.0, -2.0 * kMm);
-    EXPECT_EQ(line.Intersection(left, station, point, kMm), 0);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 #include "platform/files.h"
 #include "platform/settings_store.h"
 #include "support/scratch.h"
+#include "support/scratch_registry.h"
 
 #include <gtest/gtest.h>
 
@@ -172,12 +173,10 @@ TEST(RegistryFileStore, AWriterGivesUpWhileTheLockIsHeld) {
 }
 
 TEST(RegistryFileStore, TheEnvironmentNamesTheStore) {
-    const ScratchFolder scratch;
-    const std::string path = scratch.file("env.reg");
-    const ScopedEnvironment registry("QV5_REGISTRY", path);
+    const qv5::test::ScratchRegistry registry("env.reg");
     auto store = open_settings_store();
     ASSERT_NE(store->create_key(kKey), nullptr);
-    EXPECT_TRUE(read_registry_file(path).has_key(kKey));
+    EXPECT_TRUE(read_registry_file(registry.path()).has_key(kKey));
 }
 
 TEST(RegistryFileStore, ProcessesAndThreadsWritingAtOnceLeaveOneWholeSet) {

@@ -2,6 +2,7 @@
 #include "platform/settings_store.h"
 #include "qv5/units.h"
 #include "support/scratch.h"
+#include "support/scratch_registry.h"
 #include "units/unit_settings.h"
 
 #include <gtest/gtest.h>
@@ -168,9 +169,8 @@ TEST(UnitChoicesSave, AMissingKeyIsNotCreated) {
 
 class UnitsInRegistryFile : public ::testing::Test {
 protected:
-    ScratchFolder scratch;
-    std::string path = scratch.file("registry.reg");
-    ScopedEnvironment registry{"QV5_REGISTRY", path};
+    qv5::test::ScratchRegistry registry;
+    std::string path = registry.path();
 };
 
 TEST_F(UnitsInRegistryFile, AFreshKeyYieldsTheDefaultsAndIsCreated) {
@@ -281,9 +281,9 @@ TEST_F(UnitsInRegistryFile, CorruptLinesInARegistryFileLeaveTheirDefaults) {
 }
 
 TEST(UnitsInUnwritableStore, DefaultsStayAndNothingFails) {
-    const ScratchFolder scratch;
-    write_file(scratch.file("plain"), "x");
-    const ScopedEnvironment registry("QV5_REGISTRY", scratch.file("plain/registry.reg"));
+    // The registry file's folder is a plain file: nothing can be stored.
+    const qv5::test::ScratchRegistry registry("plain/registry.reg");
+    write_file(registry.folder().file("plain"), "x");
     CQuantityUnits units{CString(kKey)};
     EXPECT_EQ(units.HorizontalDistance(), units_USSurveyFeet);
     units.SetHorizontalDistance(units_Metres);
