@@ -58,8 +58,9 @@ void CGeoTemplate::operator=(const CGeoTemplate& other) {
 }
 
 void CGeoTemplate::Reset() {
+    // The storage is kept for the next elements: a template that is blended into again and
+    // again (the road's working template) then never allocates.
     m_chain->entries.clear();
-    m_chain->entries.shrink_to_fit();
     m_hOffsetShoulder = 0.0;
     m_vOffsetShoulder = 0.0;
     if (m_pOldBitmap != nullptr) {
@@ -119,7 +120,9 @@ int CGeoTemplate::GetNthElement(int n, geotemp_ElementType type, double& startH,
     startV = e->start_v;
     deltaH = e->end_h - e->start_h;
     deltaV = e->end_v - e->start_v;
-    angle = e->angle;
+    // A vertical face keeps its +-pi/2 for the surface test, but reads back as having no slope
+    // angle: an editor shows it as a face, not as a gradient.
+    angle = e->type == geotemp_DeltaHV && e->slope == GEO_NULL ? GEO_NULL : e->angle;
     return 1;
 }
 

@@ -47,32 +47,29 @@ void CGeoTemplate::Interpolate(const CGeoTemplate* other, double ratio,
     if (result == nullptr) {
         return;
     }
-    // The blended entries are built before the result is reset, so that the result may be
-    // either input.
-    std::vector<ChainEntry> blended;
-    try {
-        const auto& mine = m_chain->entries;
-        blended.reserve(mine.size());
-        for (std::size_t i = 0; i < mine.size(); ++i) {
-            const geotemp_ElementType t = mine[i].type;
-            if (t < geotemp_Step || t > geotemp_SideSlope) {
-                continue;
-            }
-            // The other template is read at the same index as the same type; where it has no
-            // such element (a dissimilar pair) this template's element stands unblended.
-            const ChainEntry* theirs = nullptr;
-            if (other != nullptr && i < other->m_chain->entries.size() &&
-                other->m_chain->entries[i].type == t) {
-                theirs = &other->m_chain->entries[i];
-            }
-            const qv5::detail::TemplateRecord r = qv5::detail::blend_record(
-                t, mine[i].record, theirs != nullptr ? theirs->record : mine[i].record, ratio);
-            blended.push_back(qv5::detail::make_entry(t, r.bytes));
-        }
-    } catch (const std::bad_alloc&) {
-        blended.clear();
+    const auto& mine = m_chain->entries;
+    const std::vector<ChainEntry>* theirs = other != nullptr ? &other->m_chain->entries : nullptr;
+    // The road blends a template for every evaluated station, so a result of its own is filled
+    // in place (its storage kept from one blend to the next); a result that is one of the
+    // inputs is built aside first, since resetting it would lose what is read.
+    std::vector<ChainEntry> aside;
+    const bool aliased = result == this || result == other;
+    std::vector<ChainEntry>& out = aliased ? aside : result->m_chain->entries;
+    if (!aliased) {
+        result->Reset();
     }
-    result->Reset();
-    result->m_chain->entries.swap(blended);
+    try {
+        // The other template is read at the same index as the same type; where it has no such
+        // element (a dissimilar pair) this template's element stands unblended.
+        qv5::detail::blend_chain(mine.data(), mine.size(),
+                                 theirs != nullptr ? theirs->data() : nullptr,
+                                 theirs != nullptr ? theirs->size() : 0, ratio, out);
+    } catch (const std::bad_alloc&) {
+        out.clear();
+    }
+    if (aliased) {
+        result->Reset();
+        result->m_chain->entries.swap(aside);
+    }
     result->UpdateAllElements();
 }

@@ -11,6 +11,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <vector>
 
 namespace qv5::detail {
 
@@ -120,36 +121,6 @@ ChainEnd derive_chain(ChainEntry* entries, std::size_t count) {
     return ChainEnd{h, v};
 }
 
-SurfaceDeltas surface_deltas(const ChainEntry* entries, std::size_t count, double offset,
-                             double height) {
-    SurfaceDeltas out{GEO_NULL, GEO_NULL};
-    for (std::size_t i = 0; i < count; ++i) {
-        const ChainEntry& e = entries[i];
-        switch (e.type) {
-        case geotemp_Step:
-            if (offset <= e.end_h) {
-                return out; // the point faces a step: no surface under it
-            }
-            break;
-        case geotemp_GradeWidth:
-        case geotemp_DeltaHV:
-            // Up to and including the end: a point exactly at an element's end belongs to it.
-            // (A NaN offset belongs to no element and finds no surface.)
-            if (offset <= e.end_h) {
-                out.delta_v = height - (e.start_v + (offset - e.start_h) * e.slope);
-                out.angle = e.angle;
-                return out;
-            }
-            break;
-        case geotemp_SideSlope:
-            return out;
-        default:
-            break; // features, fixed points and unknown types carry no surface
-        }
-    }
-    return out;
-}
-
 bool on_side_slope(const ChainEntry* entries, std::size_t count, double shoulder_h, double offset) {
     if (count == 0 || entries[count - 1].type != geotemp_SideSlope) {
         return false;
@@ -190,39 +161,85 @@ TemplateRecord blend_record(geotemp_ElementType type, const TemplateRecord& a,
                             const TemplateRecord& b, double ratio) {
     TemplateRecord r;
     std::memset(r.bytes, 0, sizeof r.bytes);
+    blend_into(type, a, b, ratio, r);
+    return r;
+}
+
+void blend_into(geotemp_ElementType type, const TemplateRecord& a, const TemplateRecord& b,
+                double ratio, TemplateRecord& out) {
+    // Fields are read into locals first: the records are packed, and `out` may alias an input.
     switch (type) {
-    case geotemp_Step:
-        r.step.DeltaH = blend(a.step.DeltaH, b.step.DeltaH, ratio);
-        r.step.DeltaV = blend(a.step.DeltaV, b.step.DeltaV, ratio);
+    case geotemp_Step: {
+        const geotemp_StepData x = a.step;
+        const geotemp_StepData y = b.step;
+        out.step =
+            geotemp_StepData{blend(x.DeltaH, y.DeltaH, ratio), blend(x.DeltaV, y.DeltaV, ratio)};
         break;
-    case geotemp_GradeWidth:
+    }
+    case geotemp_GradeWidth: {
         // The angle itself is blended, not its tangent.
-        r.grade_width.Angle = blend(a.grade_width.Angle, b.grade_width.Angle, ratio);
-        r.grade_width.Width = blend(a.grade_width.Width, b.grade_width.Width, ratio);
+        const geotemp_GradeWidthData x = a.grade_width;
+        const geotemp_GradeWidthData y = b.grade_width;
+        out.grade_width =
+            geotemp_GradeWidthData{blend(x.Angle, y.Angle, ratio), blend(x.Width, y.Width, ratio)};
         break;
-    case geotemp_DeltaHV:
-        r.delta_hv.DeltaH = blend(a.delta_hv.DeltaH, b.delta_hv.DeltaH, ratio);
-        r.delta_hv.DeltaV = blend(a.delta_hv.DeltaV, b.delta_hv.DeltaV, ratio);
+    }
+    case geotemp_DeltaHV: {
+        const geotemp_DeltaHVData x = a.delta_hv;
+        const geotemp_DeltaHVData y = b.delta_hv;
+        out.delta_hv =
+            geotemp_DeltaHVData{blend(x.DeltaH, y.DeltaH, ratio), blend(x.DeltaV, y.DeltaV, ratio)};
         break;
-    case geotemp_Feature:
-        std::memcpy(r.feature.Name, a.feature.Name, sizeof r.feature.Name);
-        r.feature.ValueA = blend(a.feature.ValueA, b.feature.ValueA, ratio);
-        r.feature.ValueB = blend(a.feature.ValueB, b.feature.ValueB, ratio);
+    }
+    case geotemp_Feature: {
+        const double value_a = blend(a.feature.ValueA, b.feature.ValueA, ratio);
+        const double value_b = blend(a.feature.ValueB, b.feature.ValueB, ratio);
+        if (&out != &a) {
+            std::memcpy(out.feature.Name, a.feature.Name, sizeof out.feature.Name);
+        }
+        out.feature.ValueA = value_a;
+        out.feature.ValueB = value_b;
         break;
-    case geotemp_FixedPoint:
-        r.fixed_point.H = blend(a.fixed_point.H, b.fixed_point.H, ratio);
-        r.fixed_point.V = blend(a.fixed_point.V, b.fixed_point.V, ratio);
-        r.fixed_point.Angle = blend(a.fixed_point.Angle, b.fixed_point.Angle, ratio);
+    }
+    case geotemp_FixedPoint: {
+        const geotemp_FixedPointData x = a.fixed_point;
+        const geotemp_FixedPointData y = b.fixed_point;
+        out.fixed_point.H = blend(x.H, y.H, ratio);
+        out.fixed_point.V = blend(x.V, y.V, ratio);
+        out.fixed_point.Angle = blend(x.Angle, y.Angle, ratio);
+        // The reserved bytes belong to neither input's application: the blend has none.
+        std::memset(out.fixed_point.Reserved, 0, sizeof out.fixed_point.Reserved);
         break;
-    case geotemp_SideSlope:
-        r.side_slope.CutAngle = blend(a.side_slope.CutAngle, b.side_slope.CutAngle, ratio);
-        r.side_slope.FillAngle = blend(a.side_slope.FillAngle, b.side_slope.FillAngle, ratio);
-        r.side_slope.DitchWidth = blend(a.side_slope.DitchWidth, b.side_slope.DitchWidth, ratio);
+    }
+    case geotemp_SideSlope: {
+        const geotemp_SideSlopeData x = a.side_slope;
+        const geotemp_SideSlopeData y = b.side_slope;
+        out.side_slope = geotemp_SideSlopeData{blend(x.CutAngle, y.CutAngle, ratio),
+                                               blend(x.FillAngle, y.FillAngle, ratio),
+                                               blend(x.DitchWidth, y.DitchWidth, ratio)};
         break;
+    }
     default:
         break;
     }
-    return r;
+}
+
+void blend_chain(const ChainEntry* mine, std::size_t count, const ChainEntry* theirs,
+                 std::size_t their_count, double ratio, std::vector<ChainEntry>& out) {
+    out.reserve(out.size() + count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const geotemp_ElementType t = mine[i].type;
+        if (t < geotemp_Step || t > geotemp_SideSlope) {
+            continue;
+        }
+        const ChainEntry& partner =
+            theirs != nullptr && i < their_count && theirs[i].type == t ? theirs[i] : mine[i];
+        // The entry starts as a copy of this template's and its record is blended in place (a
+        // record assembled aside and then copied would be read back before its packed stores
+        // land); the derived fields are rewritten by the chain derivation that follows.
+        out.push_back(mine[i]);
+        blend_into(t, mine[i].record, partner.record, ratio, out.back().record);
+    }
 }
 
 CString feature_name(const geotemp_FeatureData& feature) {

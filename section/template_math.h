@@ -7,6 +7,7 @@
 #include "qv5/geotemplate.h"
 
 #include <cstddef>
+#include <vector>
 
 namespace qv5::detail {
 
@@ -64,11 +65,6 @@ struct SurfaceDeltas {
     double angle;   ///< `GEO_NULL` likewise
 };
 
-/// Height of (offset, height) above the first surface element whose end is not before
-/// `offset`; undefined in front of a step, at a side slope or beyond the chain.
-SurfaceDeltas surface_deltas(const ChainEntry* entries, std::size_t count, double offset,
-                             double height);
-
 /// True when the chain ends in a side slope and |offset| lies strictly beyond the shoulder.
 bool on_side_slope(const ChainEntry* entries, std::size_t count, double shoulder_h, double offset);
 
@@ -105,8 +101,52 @@ inline double blend(double a, double b, double ratio) {
 TemplateRecord blend_record(geotemp_ElementType type, const TemplateRecord& a,
                             const TemplateRecord& b, double ratio);
 
+/// As blend_record, writing only the record of `type` into `out` (the bytes beyond its size are
+/// left as they are). `out` may be `a` or `b`.
+void blend_into(geotemp_ElementType type, const TemplateRecord& a, const TemplateRecord& b,
+                double ratio, TemplateRecord& out);
+
+/// Appends to `out` the blend of each entry of `mine` of a known type toward the entry of
+/// `theirs` at the same index (unblended where `theirs` has no entry of that type there); the
+/// derived fields of the new entries are left for derive_chain. Unknown types are skipped.
+void blend_chain(const ChainEntry* mine, std::size_t count, const ChainEntry* theirs,
+                 std::size_t their_count, double ratio, std::vector<ChainEntry>& out);
+
 /// The name of a feature record (at most 32 characters, whatever the record holds).
 CString feature_name(const geotemp_FeatureData& feature);
+
+/// Height of (offset, height) above the first surface element whose end is not before
+/// `offset`; undefined in front of a step, at a side slope or beyond the chain.
+/// Defined here, inline: the road's evaluation asks it for every point, and the walk is short.
+inline SurfaceDeltas surface_deltas(const ChainEntry* entries, std::size_t count, double offset,
+                                    double height) {
+    SurfaceDeltas out{GEO_NULL, GEO_NULL};
+    for (std::size_t i = 0; i < count; ++i) {
+        const ChainEntry& e = entries[i];
+        switch (e.type) {
+        case geotemp_Step:
+            if (offset <= e.end_h) {
+                return out; // the point faces a step: no surface under it
+            }
+            break;
+        case geotemp_GradeWidth:
+        case geotemp_DeltaHV:
+            // Up to and including the end: a point exactly at an element's end belongs to it.
+            // (A NaN offset belongs to no element and finds no surface.)
+            if (offset <= e.end_h) {
+                out.delta_v = height - (e.start_v + (offset - e.start_h) * e.slope);
+                out.angle = e.angle;
+                return out;
+            }
+            break;
+        case geotemp_SideSlope:
+            return out;
+        default:
+            break; // features, fixed points and unknown types carry no surface
+        }
+    }
+    return out;
+}
 
 } // namespace qv5::detail
 

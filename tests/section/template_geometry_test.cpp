@@ -246,9 +246,9 @@ TEST(TemplateInterpolate, HalfwayBlendsTheAngleNotItsTangent) {
     geotemp_GradeWidthData rec{0.0, 0.0};
     double sh, sv, dh, dv, angle;
     ASSERT_EQ(r.GetNthElement(0, geotemp_GradeWidth, sh, sv, dh, dv, angle, &rec), 1);
-    EXPECT_EQ(rec.Angle, 0.03);
+    EXPECT_EQ(+rec.Angle, 0.03);
     EXPECT_EQ(angle, 0.03);
-    EXPECT_EQ(rec.Width, 4.0);
+    EXPECT_EQ(+rec.Width, 4.0);
     EXPECT_EQ(r.HOffsetShoulder(), 4.0);
     EXPECT_EQ(r.VOffsetShoulder(), 4.0 * std::tan(0.03));
 }
@@ -305,15 +305,15 @@ TEST(TemplateInterpolate, FeatureNameFromFirstValuesBlendedFixedPointReservedZer
     ASSERT_EQ(r.GetNthElement(0, geotemp_Feature, sh, sv, dh, dv, angle, &feature), 1);
     EXPECT_EQ(feature.Name[0], 'L');
     EXPECT_EQ(feature.Name[1], 'i'); // from the first template even at ratio 1
-    EXPECT_EQ(feature.ValueA, 3.0);
-    EXPECT_EQ(feature.ValueB, 20.0);
+    EXPECT_EQ(+feature.ValueA, 3.0);
+    EXPECT_EQ(+feature.ValueB, 20.0);
     a.Interpolate(&b, 0.5, &r);
     ASSERT_EQ(r.GetNthElement(0, geotemp_Feature, sh, sv, dh, dv, angle, &feature), 1);
-    EXPECT_EQ(feature.ValueA, 2.0);
-    EXPECT_EQ(feature.ValueB, 15.0);
+    EXPECT_EQ(+feature.ValueA, 2.0);
+    EXPECT_EQ(+feature.ValueB, 15.0);
     geotemp_FixedPointData fp;
     ASSERT_EQ(r.GetNthElement(1, geotemp_FixedPoint, sh, sv, dh, dv, angle, &fp), 1);
-    EXPECT_EQ(fp.H, 6.0);
+    EXPECT_EQ(+fp.H, 6.0);
     EXPECT_EQ(sh, 6.0);
     EXPECT_NEAR(fp.V, 0.2, 1e-16);
     EXPECT_NEAR(fp.Angle, 0.3, 1e-16);
@@ -332,9 +332,9 @@ TEST(TemplateInterpolate, SideSlopeFieldsBlended) {
     geotemp_SideSlopeData s{0, 0, 0};
     double sh, sv, dh, dv, angle;
     ASSERT_EQ(r.GetNthElement(0, geotemp_SideSlope, sh, sv, dh, dv, angle, &s), 1);
-    EXPECT_EQ(s.CutAngle, 0.75);
-    EXPECT_EQ(s.FillAngle, 0.5);
-    EXPECT_EQ(s.DitchWidth, 2.0);
+    EXPECT_EQ(+s.CutAngle, 0.75);
+    EXPECT_EQ(+s.FillAngle, 0.5);
+    EXPECT_EQ(+s.DitchWidth, 2.0);
 }
 
 TEST(TemplateInterpolate, UnknownTypesAreSkipped) {

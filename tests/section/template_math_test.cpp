@@ -81,6 +81,6 @@ TEST(TemplateMath, BlendedStepRecord) {
     a.step = geotemp_StepData{1.0, 2.0};
     b.step = geotemp_StepData{3.0, -2.0};
     const TemplateRecord r = blend_record(geotemp_Step, a, b, 0.75);
-    EXPECT_EQ(r.step.DeltaH, 2.5);
-    EXPECT_EQ(r.step.DeltaV, -1.0);
+    EXPECT_EQ(+r.step.DeltaH, 2.5);
+    EXPECT_EQ(+r.step.DeltaV, -1.0);
 }

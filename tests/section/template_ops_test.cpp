@@ -36,8 +36,8 @@ TEST(TemplateElements, AddElementCopiesTheRecord) {
     geotemp_GradeWidthData back{0.0, 0.0};
     double sh, sv, dh, dv, a;
     ASSERT_EQ(t.GetNthElement(0, geotemp_GradeWidth, sh, sv, dh, dv, a, &back), 1);
-    EXPECT_EQ(back.Width, 2.0);
-    EXPECT_EQ(back.Angle, 0.01);
+    EXPECT_EQ(+back.Width, 2.0);
+    EXPECT_EQ(+back.Angle, 0.01);
     EXPECT_EQ(t.HOffsetShoulder(), 2.0);
 }
 
@@ -47,8 +47,8 @@ TEST(TemplateElements, AddElementOfKnownTypeWithoutRecordStoresZeros) {
     geotemp_DeltaHVData back{5.0, 5.0};
     double sh, sv, dh, dv, a;
     ASSERT_EQ(t.GetNthElement(0, geotemp_DeltaHV, sh, sv, dh, dv, a, &back), 1);
-    EXPECT_EQ(back.DeltaH, 0.0);
-    EXPECT_EQ(back.DeltaV, 0.0);
+    EXPECT_EQ(+back.DeltaH, 0.0);
+    EXPECT_EQ(+back.DeltaV, 0.0);
 }
 
 TEST(TemplateElements, FeatureRecordKeepsItsUnalignedValues) {
@@ -117,8 +117,8 @@ TEST(TemplateElements, GetNthElementWithWrongTypeWritesNothing) {
     EXPECT_EQ(dh, 13.0);
     EXPECT_EQ(dv, 14.0);
     EXPECT_EQ(a, 15.0);
-    EXPECT_EQ(rec.DeltaH, 21.0);
-    EXPECT_EQ(rec.DeltaV, 22.0);
+    EXPECT_EQ(+rec.DeltaH, 21.0);
+    EXPECT_EQ(+rec.DeltaV, 22.0);
 }
 
 TEST(TemplateElements, GetNthElementOutOfRangeWritesNothing) {

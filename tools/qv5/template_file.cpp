@@ -248,6 +248,10 @@ bool parse_template(std::string_view text, CGeoTemplate& result, std::vector<Job
         }
         errors.push_back({line, std::string("not JSON: ") + e.what()});
         return false;
+    } catch (const Json::exception& e) {
+        // A number beyond the range of a double (1e999): JSON has no other way to say infinity.
+        errors.push_back({0, std::string("not usable JSON: ") + e.what()});
+        return false;
     }
     if (!doc.is_object()) {
         errors.push_back({0, "the file is not a JSON object with \"name\" and \"elements\""});
