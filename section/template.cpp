@@ -22,7 +22,8 @@ auto entry_at(Entries& entries, int n) -> decltype(&entries[0]) {
 
 } // namespace
 
-CGeoTemplate::CGeoTemplate() : m_chain(new Chain), m_hOffsetShoulder(0.0), m_vOffsetShoulder(0.0) {
+CGeoTemplate::CGeoTemplate()
+    : m_chain(new Chain), m_hOffsetShoulder(0.0), m_vOffsetShoulder(0.0), m_pOldBitmap(nullptr) {
     Reset();
 }
 
@@ -31,6 +32,7 @@ CGeoTemplate::CGeoTemplate(const CGeoTemplate& other) : CGeoTemplate() {
 }
 
 CGeoTemplate::~CGeoTemplate() {
+    m_bitmap.DeleteObject();
     delete m_chain;
 }
 
@@ -61,6 +63,10 @@ void CGeoTemplate::Reset() {
     m_chain->entries.clear();
     m_hOffsetShoulder = 0.0;
     m_vOffsetShoulder = 0.0;
+    if (m_pOldBitmap != nullptr) {
+        m_bitmap.DeleteObject();
+        m_pOldBitmap = nullptr;
+    }
 }
 
 void CGeoTemplate::SetName(CString name) {

@@ -189,6 +189,16 @@ public:
     /// be this template or `other`. Nothing happens when `result` is null.
     void Interpolate(const CGeoTemplate* other, double ratio, CGeoTemplate* result) const;
 
+    /// Draws a picture of the template side, scaled to fit `rect`, into a bitmap of the
+    /// rectangle's size that the template owns: made compatible with `screenDC`, selected into
+    /// `memoryDC` (where it stays for the host to copy) and kept until the next call or
+    /// `Reset`. The picture is white with the surface in green (two pixels wide) from the
+    /// centreline at (10, y0), the side-slope glyph in green, curbs as grey kerb profiles
+    /// outlined with the context's pen, and features as red crosses with their names. The
+    /// context's pen and brush are restored; its text background mode is left transparent.
+    /// Nothing happens with a null context; an empty or oversized rectangle leaves no bitmap.
+    void DrawSection(CRect& rect, CDC* screenDC, CDC* memoryDC);
+
 protected:
     /// Derives every element's start, end, angle and slope, and the shoulder, from the records.
     void UpdateAllElements();
@@ -200,6 +210,8 @@ private:
     Chain* m_chain;
     double m_hOffsetShoulder;
     double m_vOffsetShoulder;
+    CBitmap m_bitmap;      // the last picture DrawSection made
+    CBitmap* m_pOldBitmap; // selected in the memory context before it; null without a picture
 };
 
 #endif // QV5_GEOTEMPLATE_H

@@ -21,6 +21,7 @@ int main(int argc, char** argv) {
     const CommandRunner element = add_element_command(app);
     const CommandRunner units = add_units_command(app);
     const CommandRunner templ = add_template_command(app);
+    const CommandRunner draw = add_draw_command(app);
 
     try {
         app.parse(argc, argv);
@@ -53,6 +54,9 @@ int main(int argc, char** argv) {
         }
         if (app.got_subcommand("units")) {
             return units();
+        }
+        if (app.got_subcommand("draw")) {
+            return draw();
         }
         if (app.got_subcommand("template")) {
             return templ();

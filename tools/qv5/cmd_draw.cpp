@@ -1,0 +1,127 @@
+// `qv5 draw`: a cross-section template's picture, as the library draws it for a host's template
+// editor, written to a PNG file and/or an SVG file.
+#include "commands.h"
+#include "output.h"
+#include "template_file.h"
+
+#include "qv5/qv5lib.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qv5::cli {
+namespace {
+
+/// Largest side of a picture, pixels.
+constexpr int kMaxPictureSide = 32767;
+/// Most pixels of a picture (the drawing layer's limit).
+constexpr long long kMaxPicturePixels = 1LL << 26;
+
+struct DrawOptions {
+    std::string file;
+    std::string png;
+    std::string svg;
+    std::string size = "640x480";
+    bool json = false;
+};
+
+/// Reads "WIDTHxHEIGHT" in pixels.
+bool parse_size(const std::string& text, int& width, int& height) {
+    const std::size_t x = text.find('x');
+    if (x == std::string::npos) {
+        return false;
+    }
+    const char* begin = text.data();
+    const char* end = begin + text.size();
+    auto w = std::from_chars(begin, begin + x, width);
+    auto h = std::from_chars(begin + x + 1, end, height);
+    return w.ec == std::errc() && w.ptr == begin + x && h.ec == std::errc() && h.ptr == end &&
+           width > 0 && height > 0 && width <= kMaxPictureSide && height <= kMaxPictureSide &&
+           static_cast<long long>(width) * height <= kMaxPicturePixels;
+}
+
+int run_draw(const DrawOptions& o) {
+    int width = 0;
+    int height = 0;
+    if (!parse_size(o.size, width, height)) {
+        report_error(fmt::format("draw: --size '{}' is not WIDTHxHEIGHT in pixels (each 1 to {}, "
+                                 "at most {} pixels in all)",
+                                 o.size, kMaxPictureSide, kMaxPicturePixels));
+        return kExitBadArguments;
+    }
+    if (o.png.empty() && o.svg.empty()) {
+        report_error("draw: give --png OUT.png, --svg OUT.svg or both");
+        return kExitBadArguments;
+    }
+    std::string text;
+    if (!read_whole_file(o.file, text)) {
+        report_error("draw: cannot read '" + o.file + "'");
+        return kExitBadData;
+    }
+    CGeoTemplate t;
+    std::vector<JobError> errors;
+    if (!parse_template(text, t, errors)) {
+        report_file_errors(o.file, errors, "template file refused");
+        return kExitBadData;
+    }
+
+    CDC screen;
+    CDC memory;
+    memory.CreateCompatibleDC(&screen);
+    memory.SetSvgRecording(o.svg.empty() ? 0 : 1);
+    CRect rect(0, 0, width, height);
+    t.DrawSection(rect, &screen, &memory);
+    if (!o.png.empty() && !memory.SavePng(CString::FromUtf8(o.png))) {
+        report_error("draw: cannot write '" + o.png + "'");
+        return kExitBadData;
+    }
+    if (!o.svg.empty() && !memory.SaveSvg(CString::FromUtf8(o.svg))) {
+        report_error("draw: cannot write '" + o.svg + "'");
+        return kExitBadData;
+    }
+    if (o.json) {
+        nlohmann::json out = {{"name", t.Name().ToUtf8()},
+                              {"elements", t.NumberElements()},
+                              {"width", width},
+                              {"height", height}};
+        if (!o.png.empty()) {
+            out["png"] = o.png;
+        }
+        if (!o.svg.empty()) {
+            out["svg"] = o.svg;
+        }
+        std::cout << out.dump(2) << '\n';
+        return 0;
+    }
+    std::cout << fmt::format("Template \"{}\", {} element(s), drawn {}x{}", t.Name().ToUtf8(),
+                             t.NumberElements(), width, height);
+    if (!o.png.empty()) {
+        std::cout << " to " << o.png;
+    }
+    if (!o.svg.empty()) {
+        std::cout << (o.png.empty() ? " to " : " and ") << o.svg;
+    }
+    std::cout << '\n';
+    return 0;
+}
+
+} // namespace
+
+CommandRunner add_draw_command(CLI::App& app) {
+    auto o = std::make_shared<DrawOptions>();
+    CLI::App* cmd = app.add_subcommand(
+        "draw", "Draw a cross-section template's picture into a PNG and/or an SVG file");
+    cmd->add_option("file", o->file, "Template file (see docs/template-json.md)")->required();
+    cmd->add_option("--png", o->png, "Write the picture to this PNG file");
+    cmd->add_option("--svg", o->svg, "Write the picture to this SVG file");
+    cmd->add_option("--size", o->size, "Picture size WIDTHxHEIGHT in pixels (default 640x480)");
+    cmd->add_flag("--json", o->json, "Write JSON");
+    return [o] { return run_draw(*o); };
+}
+
+} // namespace qv5::cli
