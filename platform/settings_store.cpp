@@ -27,7 +27,8 @@ public:
         }
     }
 
-    bool read_u32(std::u16string_view name, std::uint32_t& value) override {
+    using SettingsKey::read_u32;
+    bool read_u32(std::u16string_view name, std::uint32_t& value, std::uint32_t& type) override {
         RegistryValue stored;
         if (!m_text.find_value(m_path, name, stored) || stored.data.size() != 4) {
             return false;
@@ -36,6 +37,7 @@ public:
                 static_cast<std::uint32_t>(stored.data[1]) << 8 |
                 static_cast<std::uint32_t>(stored.data[2]) << 16 |
                 static_cast<std::uint32_t>(stored.data[3]) << 24;
+        type = stored.type;
         return true;
     }
 

@@ -24,8 +24,14 @@ class SettingsKey {
 public:
     virtual ~SettingsKey() = default;
     /// Reads a value of exactly four bytes (any type) as a little-endian number.
+    /// @param[out] type the value's type (kRegistryBinary, kRegistryDword, ...)
     /// @return false when the value is missing or holds another number of bytes
-    virtual bool read_u32(std::u16string_view name, std::uint32_t& value) = 0;
+    virtual bool read_u32(std::u16string_view name, std::uint32_t& value, std::uint32_t& type) = 0;
+    /// Reads a value of exactly four bytes, whatever its type.
+    bool read_u32(std::u16string_view name, std::uint32_t& value) {
+        std::uint32_t type = 0;
+        return read_u32(name, value, type);
+    }
     /// Sets a value of the given type (kRegistryBinary, kRegistryDword, ...).
     /// @return false when the name cannot be recorded
     virtual bool write(std::u16string_view name, std::uint32_t type,

@@ -313,6 +313,11 @@ private:
     CString m_tooLarge;
     /// The unit tables of all kinds, one after the other in the order of m_selection.
     UnitRow m_rows[33];
+    /// The choices as read from the store when the object was made, in the order of m_selection.
+    int m_loaded[11];
+    /// A bit per choice (bit k for m_selection[k]): the store held it exactly as it is written
+    /// back. The destructor writes only choices changed since m_loaded or without this bit.
+    unsigned m_storedExactly;
 };
 
 #endif // QV5_UNITS_H
