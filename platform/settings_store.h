@@ -87,6 +87,25 @@ private:
 /// The store named by the environment (see registry_file_path in files.h).
 std::unique_ptr<SettingsStore> open_settings_store();
 
+/// What can be wrong with a registry file.
+enum class RegistryFileProblem {
+    none,              ///< missing (a fresh registry), or readable, a registry file and writable
+    unreadable,        ///< there, but no regular file or not readable: reads as empty
+    too_large,         ///< larger than kRegistryFileLimit: reads as empty
+    not_registry_file, ///< no registry file signature: reads as empty, never written over
+    write_protected    ///< read as it is, but changes cannot be saved (see write_protected)
+};
+
+/// The state of a registry file, for a host that tells its user once.
+struct RegistryFileCheck {
+    std::string path; ///< the file, as named (a symbolic link is not followed here)
+    RegistryFileProblem problem = RegistryFileProblem::none;
+    std::string reason; ///< what is wrong, in plain English; empty when nothing is
+};
+
+/// Looks at a registry file as a reader and a writer would, changing nothing.
+RegistryFileCheck check_registry_file(const std::string& path);
+
 } // namespace qv5::detail
 
 #endif // QV5_PLATFORM_SETTINGS_STORE_H

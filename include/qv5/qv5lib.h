@@ -22,6 +22,7 @@
 #include "qv5/hostfw.h"
 #include "qv5/logfile.h"
 #include "qv5/sitewnd.h"
+#include "qv5/settings.h"
 #include "qv5/units.h"
 
 #endif // QV5_QV5LIB_H
