@@ -218,6 +218,13 @@ TEST(RegistryFileCheck, AMissingOrSoundFileHasNoProblem) {
     EXPECT_EQ(check.problem, RegistryFileProblem::none);
     EXPECT_EQ(check.path, path);
     EXPECT_TRUE(check.reason.empty());
+    // A byte-order mark before the signature, as some editors save it, is no damage.
+    write_file(path, "\xEF\xBB\xBFWindows Registry Editor Version 5.00\n\n"
+                     "[HKEY_LOCAL_MACHINE\\Software\\Halvik\\QV5\\Units]\n"
+                     "\"A\"=hex:02,00,00,00\n");
+    EXPECT_EQ(check_registry_file(path).problem, RegistryFileProblem::none);
+    RegistryFileStore store(path);
+    EXPECT_EQ(read_u32(store, u"A"), 2u);
 }
 
 TEST(RegistryFileCheck, ADamagedSignatureIsNamed) {
