@@ -5,12 +5,18 @@
 #include "qv5/geospiral.h"
 #include "qv5/geosurvey.h"
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 namespace {
+
+/// Larger numbers (and non-finite ones) may overflow on the way: answers are then not checked.
+constexpr double kSaneMagnitude = 1e12;
+/// Nor are answers from numbers this close to zero (a radius of 1e-300), which overflow too.
+constexpr double kSaneSmallest = 1e-9;
 
 /// Reads the input as a sequence of doubles, the first byte choosing how some are reinterpreted.
 class Numbers {
@@ -29,8 +35,17 @@ public:
         if (m_at % 32 == 0 && m_at / 8 < m_size) {
             value = kSpecial[m_data[m_at / 8] % (sizeof kSpecial / sizeof kSpecial[0])];
         }
+        const double size = std::fabs(value);
+        const bool marker = value == GEO_NULL || value == 2e100 || value == 0.0;
+        if (!marker && !(size <= kSaneMagnitude && size >= kSaneSmallest)) {
+            m_sane = false;
+        }
         return value;
     }
+
+    /// True while every number read was finite and of a size a survey can have (or one of the
+    /// markers): then every answer must be a finite number or GEO_NULL.
+    bool sane() const { return m_sane; }
 
     geodef_Direction direction() { return (next() > 0.0) ? geodef_Right : geodef_Left; }
 
@@ -38,7 +53,15 @@ private:
     const std::uint8_t* m_data;
     std::size_t m_size;
     std::size_t m_at = 0;
+    bool m_sane = true;
 };
+
+/// From sane input, a numeric answer is a finite number or GEO_NULL, never a NaN or infinity.
+void check_number(const Numbers& in, double value) {
+    if (in.sane() && value != GEO_NULL && !std::isfinite(value)) {
+        std::abort();
+    }
+}
 
 void check_together(double station, double offset, double azimuth) {
     // Either an answer or none: the three are null together.
@@ -76,6 +99,10 @@ void exercise_spiral(Numbers& in) {
     double azimuth = 0.0;
     spiral.GridDeltas(p, from, tolerance, station, offset, azimuth);
     check_together(station, offset, azimuth);
+    check_number(in, station);
+    check_number(in, offset);
+    check_number(in, azimuth);
+    check_number(in, spiral.ExitAzimuth());
     Spiral copy(spiral);
     copy.GridDeltas(q, station, 1e-5, station, offset, azimuth);
     check_together(station, offset, azimuth);
@@ -111,6 +138,11 @@ void exercise_arc(Numbers& in) {
         double azimuth = 0.0;
         arc->GridDeltas(p, station, offset, azimuth);
         check_together(station, offset, azimuth);
+        check_number(in, station);
+        check_number(in, offset);
+        check_number(in, azimuth);
+        check_number(in, arc->EntryAzimuth());
+        check_number(in, arc->GridArcLength());
     }
 }
 
@@ -127,6 +159,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if ((x == GEO_NULL) != (y == GEO_NULL)) {
         std::abort();
     }
+    check_number(in, x);
+    check_number(in, y);
     const double l2 = in.next();
     geo_spiral_deflection(l2, in.next());
     exercise_arc(in);

@@ -101,4 +101,27 @@ PlaneRow made_up_plane_row(const geo_nee& grid_a, const geo_nee& grid_b, double 
     return PlaneRow{c.north, c.east, dh_a};
 }
 
+// Longitudes are added up for the calibration's centre. Points on both sides of the antimeridian
+// (179.9995 E and 179.9995 W) would otherwise average to a meridian half a world away; taking
+// each relative to the first point keeps the sum on one side. Only a longitude more than half a
+// turn from the reference is touched, so every calibration that does not straddle the
+// antimeridian keeps its centre to the last bit.
+double unwrapped_longitude(double lon, double reference) {
+    const double difference = lon - reference;
+    if (!(std::fabs(difference) > kPi) || !std::isfinite(difference)) {
+        return lon;
+    }
+    return lon - kTwoPi * std::round(difference / kTwoPi);
+}
+
+// std::remainder is exact: the result is lon minus the nearest whole multiple of kTwoPi, in
+// [-pi, pi]; the one end that belongs to the other side is moved across.
+double longitude_in_range(double lon) {
+    if (!std::isfinite(lon) || (lon > -kPi && lon <= kPi)) {
+        return lon;
+    }
+    const double wrapped = std::remainder(lon, kTwoPi);
+    return wrapped <= -kPi ? wrapped + kTwoPi : wrapped;
+}
+
 } // namespace qv5::detail

@@ -101,6 +101,16 @@ bool fit_plane(int count, RowAt row_at, Plane& result) {
     return true;
 }
 
+/// A longitude moved by whole turns to within half a turn of `reference`, radians: the same
+/// place, on the same side of the antimeridian as the reference, so that a mean of longitudes
+/// across it is a longitude between them. A longitude already within half a turn (and one that
+/// is not finite) comes back bit for bit as it is.
+double unwrapped_longitude(double lon, double reference);
+
+/// A longitude brought into (-pi, pi] by whole turns, radians; one already in it (and one that
+/// is not finite) comes back bit for bit as it is.
+double longitude_in_range(double lon);
+
 } // namespace qv5::detail
 
 #endif // QV5_GEODESY_CALIBRATION_SOLVE_H

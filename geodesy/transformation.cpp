@@ -306,6 +306,11 @@ void CGeoTransformation::Reverse(geo_nee const& nee, geo_llh& llh) {
     }
     if (m_projection != nullptr) {
         m_projection->Reverse(p, llh);
+        // The projection gives its origin's longitude plus an offset, which passes the
+        // antimeridian for a centre near it or a point far out: the same meridian, in range.
+        if (llh.lon != GEO_NULL) {
+            llh.lon = longitude_in_range(llh.lon);
+        }
     }
 }
 
@@ -401,15 +406,18 @@ void CGeoTransformation::CalculateCentroid(geo_llh& position, geo_nee& site) {
         double lon = 0.0;
         double north = 0.0;
         double east = 0.0;
+        const double first_lon = m_points[m_horizontalIndex[0]].llh.lon;
         for (int n = 0; n < m_horizontalCount; ++n) {
             const geotrans_CalibrationPoint& p = m_points[m_horizontalIndex[n]];
             lat += p.llh.lat;
-            lon += p.llh.lon;
+            // Each relative to the first point, so that points on both sides of the
+            // antimeridian average to a longitude between them.
+            lon += unwrapped_longitude(p.llh.lon, first_lon);
             north += p.nee.north;
             east += p.nee.east;
         }
         const double count = m_horizontalCount;
-        position = geo_llh{lat / count, lon / count, GEO_NULL};
+        position = geo_llh{lat / count, longitude_in_range(lon / count), GEO_NULL};
         site = geo_nee{north / count, east / count, GEO_NULL};
         return;
     }

@@ -1,6 +1,8 @@
 // Files and folders on POSIX.
 #include "platform/files.h"
 
+#include "platform/file_calls.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <thread>
@@ -21,6 +23,10 @@ constexpr mode_t kNewFileMode = 0644;
 constexpr std::chrono::milliseconds kLockRetryCeiling{8};
 /// A replacement is written beside its file under the file's name with this suffix.
 constexpr std::string_view kTemporarySuffix = ".tmp";
+/// Symbolic links followed before giving up on a path (the kernel's own limit, MAXSYMLINKS).
+constexpr int kSymbolicLinkLimit = 40;
+/// Any of the write permission bits.
+constexpr mode_t kAnyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
 
 /// The value of an environment variable; empty when unset.
 std::string environment(const char* name) {
@@ -52,7 +58,7 @@ std::string parent_folder(const std::string& path) {
 
 bool write_all(int fd, std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t n = ::write(fd, bytes.data(), bytes.size());
+        const ssize_t n = file_write(fd, bytes.data(), bytes.size());
         if (n < 0) {
             if (errno == EINTR) {
                 continue;
@@ -69,12 +75,42 @@ bool fsync_folder(const std::string& folder) {
     if (fd < 0) {
         return false;
     }
-    const bool ok = ::fsync(fd) == 0;
-    ::close(fd);
+    const bool ok = file_fsync(fd) == 0;
+    file_close(fd);
     return ok;
 }
 
 } // namespace
+
+std::string resolve_symbolic_links(const std::string& path) {
+    std::string current = path;
+    for (int hop = 0; hop < kSymbolicLinkLimit; ++hop) {
+        struct stat info {};
+        if (::lstat(current.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) {
+            return current;
+        }
+        std::string target(static_cast<std::size_t>(info.st_size > 0 ? info.st_size : 255) + 1,
+                           '\0');
+        const ssize_t n = ::readlink(current.c_str(), target.data(), target.size());
+        if (n <= 0 || static_cast<std::size_t>(n) >= target.size()) {
+            return current; // changed meanwhile or unreadable: the caller's attempt will fail
+        }
+        target.resize(static_cast<std::size_t>(n));
+        // A relative target is relative to the folder that holds the link.
+        current = target.front() == '/' ? target : parent_folder(current) + "/" + target;
+    }
+    return {}; // a loop, or a chain too long to be meant
+}
+
+bool write_protected(const std::string& path) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) {
+        return false; // nothing there yet: a new file is made
+    }
+    // The permission bits count even for a user (root) whom the system would let write anyway:
+    // a file marked read-only was marked so on purpose.
+    return (info.st_mode & kAnyWriteBit) == 0 || ::access(path.c_str(), W_OK) != 0;
+}
 
 std::string registry_file_path() {
     std::string path = environment("QV5_REGISTRY");
@@ -149,7 +185,17 @@ ReadStatus read_whole_file(const std::string& path, std::size_t max_bytes, std::
     return ReadStatus::read;
 }
 
-bool replace_file_durably(const std::string& path, std::string_view content) {
+bool replace_file_durably(const std::string& link_or_file, std::string_view content) {
+    // Through a symbolic link the file it names is replaced, and the link stays.
+    const std::string path = resolve_symbolic_links(link_or_file);
+    if (path.empty()) {
+        errno = ELOOP;
+        return false;
+    }
+    if (write_protected(path)) {
+        errno = EACCES;
+        return false;
+    }
     const std::string temporary = path + std::string(kTemporarySuffix);
     const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW,
                           kNewFileMode);
@@ -160,13 +206,16 @@ bool replace_file_durably(const std::string& path, std::string_view content) {
     if (::stat(path.c_str(), &old) == 0) {
         ::fchmod(fd, old.st_mode & 07777);
     }
-    const bool written = write_all(fd, content) && ::fsync(fd) == 0;
-    const bool closed = ::close(fd) == 0;
-    if (!written || !closed || ::rename(temporary.c_str(), path.c_str()) != 0) {
+    const bool written = write_all(fd, content) && file_fsync(fd) == 0;
+    const bool closed = file_close(fd) == 0;
+    if (!written || !closed || file_rename(temporary.c_str(), path.c_str()) != 0) {
+        const int error = errno;
         ::unlink(temporary.c_str());
+        errno = error;
         return false;
     }
-    // The rename is durable only once the folder that records it is on disk.
+    // The rename is durable only once the folder that records it is on disk. The file is
+    // replaced whole whether or not that flush succeeds, so it does not change the answer.
     fsync_folder(parent_folder(path));
     return true;
 }
@@ -218,7 +267,29 @@ OutputFile::~OutputFile() {
 
 bool OutputFile::write(std::string_view bytes) {
     const std::lock_guard<std::mutex> guard(m_lock);
-    return m_fd >= 0 && write_all(m_fd, bytes);
+    if (m_fd < 0) {
+        return false;
+    }
+    // A write that fails part way (a full disk) is taken back, so that the file never ends in
+    // a torn fragment: what was in it before stays whole.
+    const off_t before = ::lseek(m_fd, 0, SEEK_END);
+    if (write_all(m_fd, bytes)) {
+        return true;
+    }
+    if (before >= 0) {
+        const int error = errno;
+        if (::ftruncate(m_fd, before) != 0) {
+            // Nothing more can be done: the write is reported as failed either way.
+        }
+        errno = error;
+    }
+    m_failed = true;
+    return false;
+}
+
+bool OutputFile::failed() const {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return m_failed;
 }
 
 void OutputFile::add_holder() {
@@ -234,7 +305,9 @@ void OutputFile::drop_holder(OutputFile* file) {
 void OutputFile::close() {
     const std::lock_guard<std::mutex> guard(m_lock);
     if (m_fd >= 0) {
-        ::close(m_fd);
+        if (file_close(m_fd) != 0) {
+            m_failed = true; // the descriptor is gone all the same
+        }
         m_fd = -1;
     }
 }

@@ -39,10 +39,22 @@ enum class ReadStatus {
 /// @param max_bytes larger files are refused as `failed`
 ReadStatus read_whole_file(const std::string& path, std::size_t max_bytes, std::string& content);
 
+/// The file a path names once symbolic links in its last component are followed (a relative
+/// link target taken from the link's folder); the path itself when it is no link. A dangling
+/// link gives the path of the file it would name; a loop (or a chain of more than 40 links)
+/// gives an empty path.
+std::string resolve_symbolic_links(const std::string& path);
+
+/// True when a file is there and must not be written: it has no write permission bit at all
+/// (even for a user the system would let write it), or this process may not write it.
+bool write_protected(const std::string& path);
+
 /// Replaces a file so that a crash or a concurrent reader never sees it torn: the content goes
 /// to `path`.tmp in the same folder, is flushed to disk, renamed over `path`, and the folder is
-/// flushed. The new file keeps the permission bits of the one it replaces.
-/// @return false when any step failed (the old file is then untouched)
+/// flushed. The new file keeps the permission bits of the one it replaces. Where `path` is a
+/// symbolic link, the file it names is replaced and the link stays. A write-protected file
+/// (write_protected) is refused.
+/// @return false, with errno telling why, when any step failed (the old file is then untouched)
 bool replace_file_durably(const std::string& path, std::string_view content);
 
 /// An exclusive advisory lock (flock) on a lock file, held while the object lives. Locks taken
@@ -75,8 +87,12 @@ public:
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    /// Appends all of `bytes`. @return false once the file is closed or on an I/O error
+    /// Appends all of `bytes`; a write that fails part way is taken back (the file is cut to
+    /// its length before it), so that no torn fragment is left.
+    /// @return false once the file is closed or on an I/O error
     bool write(std::string_view bytes);
+    /// True once a write or the close has failed.
+    bool failed() const;
     /// Closes the file; later writes do nothing.
     void close();
 
@@ -89,8 +105,9 @@ public:
 
 private:
     explicit OutputFile(int fd) : m_fd(fd) {}
-    std::mutex m_lock;
+    mutable std::mutex m_lock;
     int m_fd;
+    bool m_failed = false;
     std::atomic<int> m_holders{1};
 };
 

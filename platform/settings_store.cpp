@@ -3,6 +3,12 @@
 
 #include "platform/files.h"
 
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+
+#include <sys/stat.h>
+
 namespace qv5::detail {
 namespace {
 
@@ -27,7 +33,8 @@ public:
         }
     }
 
-    bool read_u32(std::u16string_view name, std::uint32_t& value) override {
+    using SettingsKey::read_u32;
+    bool read_u32(std::u16string_view name, std::uint32_t& value, std::uint32_t& type) override {
         RegistryValue stored;
         if (!m_text.find_value(m_path, name, stored) || stored.data.size() != 4) {
             return false;
@@ -36,6 +43,7 @@ public:
                 static_cast<std::uint32_t>(stored.data[1]) << 8 |
                 static_cast<std::uint32_t>(stored.data[2]) << 16 |
                 static_cast<std::uint32_t>(stored.data[3]) << 24;
+        type = stored.type;
         return true;
     }
 
@@ -105,9 +113,14 @@ RegistryText read_registry_file(const std::string& path) {
     return RegistryText::unreadable();
 }
 
-bool update_registry_file(const std::string& path, const std::function<bool(RegistryText&)>& change,
-                          RegistryText& result) {
-    if (path.empty()) {
+bool update_registry_file(const std::string& link_or_file,
+                          const std::function<bool(RegistryText&)>& change, RegistryText& result) {
+    if (link_or_file.empty()) {
+        return false;
+    }
+    // Through a symbolic link: the file it names is locked, read and replaced, the link stays.
+    const std::string path = resolve_symbolic_links(link_or_file);
+    if (path.empty() || write_protected(path)) {
         return false;
     }
     const std::string folder = parent_of(path);
@@ -161,6 +174,54 @@ std::unique_ptr<SettingsKey> RegistryFileStore::open_key(std::u16string_view pat
 
 std::unique_ptr<SettingsStore> open_settings_store() {
     return std::make_unique<RegistryFileStore>(registry_file_path());
+}
+
+RegistryFileCheck check_registry_file(const std::string& path) {
+    RegistryFileCheck check;
+    check.path = path;
+    const auto problem = [&check](RegistryFileProblem kind, std::string reason) {
+        check.problem = kind;
+        check.reason = std::move(reason);
+        return check;
+    };
+    if (path.empty()) {
+        return problem(RegistryFileProblem::unreadable,
+                       "no location: set QV5_REGISTRY, XDG_CONFIG_HOME or HOME");
+    }
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) {
+        if (errno == ENOENT) {
+            return check; // a fresh registry
+        }
+        return problem(RegistryFileProblem::unreadable,
+                       std::string("cannot be examined: ") + std::strerror(errno));
+    }
+    if (!S_ISREG(info.st_mode)) {
+        return problem(RegistryFileProblem::unreadable,
+                       "is not a regular file; the unit choices fall back to the defaults");
+    }
+    if (static_cast<std::uintmax_t>(info.st_size) > kRegistryFileLimit) {
+        return problem(RegistryFileProblem::too_large,
+                       "is larger than 16 MiB, so it is not read; the unit choices fall back "
+                       "to the defaults");
+    }
+    std::string content;
+    if (read_whole_file(path, kRegistryFileLimit, content) != ReadStatus::read) {
+        return problem(RegistryFileProblem::unreadable,
+                       "cannot be read; the unit choices fall back to the defaults");
+    }
+    if (!RegistryText::parse(content).usable()) {
+        return problem(RegistryFileProblem::not_registry_file,
+                       "does not start with \"Windows Registry Editor Version 5.00\", so it is "
+                       "not read as a registry file and never written over; the unit choices "
+                       "fall back to the defaults");
+    }
+    const std::string target = resolve_symbolic_links(path);
+    if (target.empty() || write_protected(target)) {
+        return problem(RegistryFileProblem::write_protected,
+                       "is read-only; changes of the unit choices cannot be saved");
+    }
+    return check;
 }
 
 } // namespace qv5::detail

@@ -24,8 +24,14 @@ class SettingsKey {
 public:
     virtual ~SettingsKey() = default;
     /// Reads a value of exactly four bytes (any type) as a little-endian number.
+    /// @param[out] type the value's type (kRegistryBinary, kRegistryDword, ...)
     /// @return false when the value is missing or holds another number of bytes
-    virtual bool read_u32(std::u16string_view name, std::uint32_t& value) = 0;
+    virtual bool read_u32(std::u16string_view name, std::uint32_t& value, std::uint32_t& type) = 0;
+    /// Reads a value of exactly four bytes, whatever its type.
+    bool read_u32(std::u16string_view name, std::uint32_t& value) {
+        std::uint32_t type = 0;
+        return read_u32(name, value, type);
+    }
     /// Sets a value of the given type (kRegistryBinary, kRegistryDword, ...).
     /// @return false when the name cannot be recorded
     virtual bool write(std::u16string_view name, std::uint32_t type,
@@ -80,6 +86,25 @@ private:
 
 /// The store named by the environment (see registry_file_path in files.h).
 std::unique_ptr<SettingsStore> open_settings_store();
+
+/// What can be wrong with a registry file.
+enum class RegistryFileProblem {
+    none,              ///< missing (a fresh registry), or readable, a registry file and writable
+    unreadable,        ///< there, but no regular file or not readable: reads as empty
+    too_large,         ///< larger than kRegistryFileLimit: reads as empty
+    not_registry_file, ///< no registry file signature: reads as empty, never written over
+    write_protected    ///< read as it is, but changes cannot be saved (see write_protected)
+};
+
+/// The state of a registry file, for a host that tells its user once.
+struct RegistryFileCheck {
+    std::string path; ///< the file, as named (a symbolic link is not followed here)
+    RegistryFileProblem problem = RegistryFileProblem::none;
+    std::string reason; ///< what is wrong, in plain English; empty when nothing is
+};
+
+/// Looks at a registry file as a reader and a writer would, changing nothing.
+RegistryFileCheck check_registry_file(const std::string& path);
 
 } // namespace qv5::detail
 

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Quick start 2: builds and runs the whole test suite twice - the release build (g++) and the
-# AddressSanitizer + UndefinedBehaviorSanitizer build (clang), which also runs a short session
-# of every fuzzer - and then the geodesy tests under ThreadSanitizer (clang), where the class
-# that threads share lives.
+# Quick start 2: builds and runs the whole test suite three times - the release build (g++); the
+# AddressSanitizer + UndefinedBehaviorSanitizer build (clang) of the library, the qv5 program and
+# every suite including the program's own (tests/cli), which also runs every fuzzer over the
+# corpus kept in the repository and then for a short session of new inputs; and the suites that
+# use threads or processes (platform, units, geodesy) under ThreadSanitizer (clang).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/deps.sh

@@ -26,6 +26,8 @@ constexpr int kAngleDecimals = 4;
 constexpr int kAngleGonRow = 1;
 constexpr int kBearingGonRow = 2;
 constexpr int kBearingDegreeRow = 3;
+/// The byte-order mark, as a file's text may begin with it (U+FEFF).
+constexpr char16_t kByteOrderMark = u'\uFEFF';
 /// Coordinate orders (units_Coords).
 constexpr int kNorthEastElev = 0;
 constexpr int kEastNorthElev = 1;
@@ -382,6 +384,14 @@ double CQuantityUnits::ParseBearing(const unsigned short* text) const {
         std::u16string units;
         for (; *text != 0; ++text) {
             units.push_back(static_cast<char16_t>(*text));
+        }
+        // Text taken from the start of a file may begin with its byte-order mark, invisible to
+        // the user; read as wcstod would, it would make any bearing 0.
+        if (units.front() == kByteOrderMark) {
+            units.erase(0, 1);
+            if (units.empty()) {
+                return GEO_NULL;
+            }
         }
         read_leading_number(units, number); // no number reads as 0, as wcstod gives
     } catch (...) {

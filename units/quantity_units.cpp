@@ -7,7 +7,9 @@
 #include "units/unit_settings.h"
 #include "units/unit_tables.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <string>
 
 namespace qv5::detail {
@@ -39,7 +41,8 @@ std::u16string key_text(const CString& key) {
 } // namespace
 
 CQuantityUnits::CQuantityUnits(const CString& registryKey)
-    : m_registryKey(registryKey), m_selection{}, m_popUps(1), m_rows{} {
+    : m_registryKey(registryKey), m_selection{}, m_popUps(1), m_rows{}, m_loaded{},
+      m_storedExactly(0) {
     for (int i = 0; i < kUnitRowTotal; ++i) {
         m_rows[i] = UnitRow{kUnitRows[i].name_id, kUnitRows[i].factor, kUnitRows[i].precision};
     }
@@ -52,11 +55,12 @@ CQuantityUnits::CQuantityUnits(const CString& registryKey)
     if (m_registryKey.IsEmpty() == 0) {
         try {
             const std::unique_ptr<SettingsStore> store = open_settings_store();
-            load_unit_choices(*store, key_text(m_registryKey), m_selection);
+            load_unit_choices(*store, key_text(m_registryKey), m_selection, m_storedExactly);
         } catch (...) {
             // Out of memory before the store could be opened: the defaults stay.
         }
     }
+    std::copy(std::begin(m_selection), std::end(m_selection), std::begin(m_loaded));
 }
 
 CQuantityUnits::CQuantityUnits(const CQuantityUnits& other) = default;
@@ -69,7 +73,9 @@ CQuantityUnits::~CQuantityUnits() {
     }
     try {
         const std::unique_ptr<SettingsStore> store = open_settings_store();
-        save_unit_choices(*store, key_text(m_registryKey), m_selection);
+        // Only what changed, or what the store did not hold as written: another program's
+        // change of a choice this object merely read survives.
+        save_unit_choices(*store, key_text(m_registryKey), m_selection, m_loaded, m_storedExactly);
     } catch (...) {
         // Out of memory: the store keeps what it had.
     }

@@ -218,4 +218,34 @@ private:
     double m_defaultRotation;
 };
 
+namespace qv5 {
+
+/// A converted point counts as far outside a calibration when it lies farther from the box
+/// around the control points' site coordinates than this multiple of the box's diagonal...
+inline constexpr double kCalibrationReachMultiple = 1.0;
+/// ...or than this many metres, whichever is more: the reach of a calibration on one point (or
+/// on points very close together), whose box has no size.
+inline constexpr double kCalibrationReachMinimum = 1000.0;
+
+/// How far site coordinates lie from a calibration's control points, for a host that warns when
+/// a conversion extrapolates far beyond them (the similarity and the plane fitted to the points
+/// are then carried a long way, and small errors in them grow with the distance).
+///
+/// The control points are those used by the calibration (either flag set) whose site north
+/// and east are set; their box is the smallest north-east rectangle holding them.
+/// @param calibration a calibrated transformation
+/// @param site site coordinates: the result of Forward, or the input of Reverse
+/// @param[out] distance metres from the box (0.0 inside it); `GEO_NULL` when the answer is -1,
+///             or 1 for a distance too large for a double
+/// @param[out] limit the distance beyond which the point counts as far outside:
+///             max(kCalibrationReachMultiple x diagonal, kCalibrationReachMinimum); `GEO_NULL`
+///             when the answer is -1
+/// @return 1 when the point lies farther than `limit` from the box, 0 when it lies within it,
+///         -1 when it cannot be told (not calibrated, no control point with site coordinates,
+///         north or east `GEO_NULL` or not finite)
+QV5_API int CalibrationReach(CGeoTransformation& calibration, const geo_nee& site, double& distance,
+                             double& limit);
+
+} // namespace qv5
+
 #endif // QV5_GEOTRANS_H

@@ -23,6 +23,7 @@
 #include "qv5/geovert.h"
 #include "qv5/hostfw.h"
 #include "qv5/logfile.h"
+#include "qv5/settings.h"
 #include "qv5/sitewnd.h"
 #include "qv5/units.h"
 

@@ -291,9 +291,11 @@ public:
     /// quadrant: the number DDD.MMSS (no quadrant letters are read; the sign travels on the
     /// degrees only, so "-0.3000" loses it), brought into [0, 2π). Gons and decimal degrees: the
     /// number converted, not normalised. The number is read as wcstod reads it: leading blanks,
-    /// the longest numeric prefix, 0 when there is none.
+    /// the longest numeric prefix, 0 when there is none. A leading byte-order mark (U+FEFF) is
+    /// skipped.
     /// @param text zero-terminated UTF-16
-    /// @return radians; `GEO_NULL` for a null or empty text, a number that is not finite, or a
+    /// @return radians; `GEO_NULL` for a null or empty text (or one that is only the mark), a
+    /// number that is not finite, or a
     ///         bearing style outside its table
     double ParseBearing(const unsigned short* text) const;
 
@@ -313,6 +315,11 @@ private:
     CString m_tooLarge;
     /// The unit tables of all kinds, one after the other in the order of m_selection.
     UnitRow m_rows[33];
+    /// The choices as read from the store when the object was made, in the order of m_selection.
+    int m_loaded[11];
+    /// A bit per choice (bit k for m_selection[k]): the store held it exactly as it is written
+    /// back. The destructor writes only choices changed since m_loaded or without this bit.
+    unsigned m_storedExactly;
 };
 
 #endif // QV5_UNITS_H

@@ -63,6 +63,20 @@ struct KnownSite {
         }
         lat0 /= static_cast<double>(control.size());
         lon0 /= static_cast<double>(control.size());
+        centre_site();
+    }
+
+    /// A site projected about the given centre longitude (radians) rather than the plain mean.
+    KnownSite(std::vector<geo_llh> positions, double centre_lon) : control(std::move(positions)) {
+        for (const geo_llh& p : control) {
+            lat0 += p.lat;
+        }
+        lat0 /= static_cast<double>(control.size());
+        lon0 = centre_lon;
+        centre_site();
+    }
+
+    void centre_site() {
         for (const geo_llh& p : control) {
             const geo_nee plan = site_plan(p);
             mean_north += plan.north;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <chrono>
 #include <sys/stat.h>
 
@@ -14,6 +15,8 @@ using qv5::detail::read_whole_file;
 using qv5::detail::ReadStatus;
 using qv5::detail::registry_file_path;
 using qv5::detail::replace_file_durably;
+using qv5::detail::resolve_symbolic_links;
+using qv5::detail::write_protected;
 using qv5::test::read_file;
 using qv5::test::ScopedEnvironment;
 using qv5::test::ScratchFolder;
@@ -104,6 +107,55 @@ TEST(ReplaceFileDurably, FailsWhereTheFolderCannotBeWritten) {
     const ScratchFolder scratch;
     write_file(scratch.file("plain"), "x");
     EXPECT_FALSE(replace_file_durably(scratch.file("plain/r.reg"), "new"));
+}
+
+TEST(ReplaceFileDurably, WritesThroughASymbolicLinkToItsTarget) {
+    const ScratchFolder scratch;
+    std::filesystem::create_directory(scratch.file("real"));
+    const std::string target = scratch.file("real/r.reg");
+    const std::string link = scratch.file("link.reg");
+    write_file(target, "old");
+    std::filesystem::create_symlink("real/r.reg", link); // relative to the link's folder
+    ASSERT_TRUE(replace_file_durably(link, "new"));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(read_file(target), "new");
+    EXPECT_FALSE(std::filesystem::exists(link + ".tmp"));
+    EXPECT_FALSE(std::filesystem::exists(target + ".tmp"));
+}
+
+TEST(ReplaceFileDurably, FollowsAChainOfLinksAndADanglingOne) {
+    const ScratchFolder scratch;
+    const std::string target = scratch.file("r.reg");
+    std::filesystem::create_symlink(target, scratch.file("one")); // dangling for now
+    std::filesystem::create_symlink(scratch.file("one"), scratch.file("two"));
+    EXPECT_EQ(resolve_symbolic_links(scratch.file("two")), target);
+    ASSERT_TRUE(replace_file_durably(scratch.file("two"), "made"));
+    EXPECT_TRUE(std::filesystem::is_symlink(scratch.file("two")));
+    EXPECT_EQ(read_file(target), "made");
+}
+
+TEST(ReplaceFileDurably, ALinkLoopFailsWithoutHanging) {
+    const ScratchFolder scratch;
+    std::filesystem::create_symlink(scratch.file("b"), scratch.file("a"));
+    std::filesystem::create_symlink(scratch.file("a"), scratch.file("b"));
+    EXPECT_FALSE(replace_file_durably(scratch.file("a"), "x"));
+    EXPECT_TRUE(std::filesystem::is_symlink(scratch.file("a")));
+}
+
+TEST(ReplaceFileDurably, AReadOnlyFileIsRefusedEvenForTheSuperUser) {
+    const ScratchFolder scratch;
+    const std::string path = scratch.file("r.reg");
+    write_file(path, "old");
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+    EXPECT_TRUE(write_protected(path));
+    errno = 0;
+    EXPECT_FALSE(replace_file_durably(path, "new"));
+    EXPECT_EQ(errno, EACCES);
+    EXPECT_EQ(read_file(path), "old");
+    EXPECT_FALSE(std::filesystem::exists(path + ".tmp"));
+    ASSERT_EQ(chmod(path.c_str(), 0644), 0);
+    EXPECT_FALSE(write_protected(path));
+    EXPECT_FALSE(write_protected(scratch.file("missing")));
 }
 
 TEST(FileLock, SecondHolderWaitsAndGivesUp) {

@@ -12,11 +12,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+using qv5::detail::check_registry_file;
 using qv5::detail::FileLock;
 using qv5::detail::kRegistryBinary;
 using qv5::detail::kRegistryDword;
 using qv5::detail::open_settings_store;
 using qv5::detail::read_registry_file;
+using qv5::detail::RegistryFileProblem;
 using qv5::detail::RegistryFileStore;
 using qv5::detail::RegistryValue;
 using qv5::test::read_file;
@@ -170,6 +172,86 @@ TEST(RegistryFileStore, AWriterGivesUpWhileTheLockIsHeld) {
         EXPECT_FALSE(key->close()); // waits about a second, then gives up
     }
     EXPECT_EQ(read_u32(store, u"A"), 0xDEADBEEFu);
+}
+
+TEST(RegistryFileStore, WritesThroughASymbolicLinkAndKeepsIt) {
+    const ScratchFolder scratch;
+    const std::string target = scratch.file("dotfiles/registry.reg");
+    const std::string link = scratch.file("registry.reg");
+    std::filesystem::create_directory(scratch.file("dotfiles"));
+    std::filesystem::create_symlink(target, link);
+    RegistryFileStore store(link);
+    auto key = store.create_key(kKey);
+    ASSERT_NE(key, nullptr);
+    key->write(u"A", kRegistryBinary, le(3));
+    EXPECT_TRUE(key->close());
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(read_u32(store, u"A"), 3u);
+    RegistryValue stored;
+    EXPECT_TRUE(read_registry_file(target).find_value(kKey, u"A", stored));
+}
+
+TEST(RegistryFileStore, AReadOnlyFileIsReadButNeverWritten) {
+    const ScratchFolder scratch;
+    const std::string path = scratch.file("r.reg");
+    const std::string text = "Windows Registry Editor Version 5.00\n\n"
+                             "[HKEY_LOCAL_MACHINE\\Software\\Halvik\\QV5\\Units]\n"
+                             "\"A\"=hex:01,00,00,00\n";
+    write_file(path, text);
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+    RegistryFileStore store(path);
+    EXPECT_EQ(read_u32(store, u"A"), 1u);
+    auto key = store.open_key(kKey);
+    ASSERT_NE(key, nullptr);
+    key->write(u"A", kRegistryBinary, le(2));
+    EXPECT_FALSE(key->close()); // reported
+    EXPECT_EQ(read_file(path), text);
+    EXPECT_EQ(store.create_key(u"Software\\Other"), nullptr);
+    EXPECT_EQ(read_file(path), text);
+}
+
+TEST(RegistryFileCheck, AMissingOrSoundFileHasNoProblem) {
+    const ScratchFolder scratch;
+    const std::string path = scratch.file("r.reg");
+    EXPECT_EQ(check_registry_file(path).problem, RegistryFileProblem::none);
+    write_file(path, "Windows Registry Editor Version 5.00\n");
+    const auto check = check_registry_file(path);
+    EXPECT_EQ(check.problem, RegistryFileProblem::none);
+    EXPECT_EQ(check.path, path);
+    EXPECT_TRUE(check.reason.empty());
+    // A byte-order mark before the signature, as some editors save it, is no damage.
+    write_file(path, "\xEF\xBB\xBFWindows Registry Editor Version 5.00\n\n"
+                     "[HKEY_LOCAL_MACHINE\\Software\\Halvik\\QV5\\Units]\n"
+                     "\"A\"=hex:02,00,00,00\n");
+    EXPECT_EQ(check_registry_file(path).problem, RegistryFileProblem::none);
+    RegistryFileStore store(path);
+    EXPECT_EQ(read_u32(store, u"A"), 2u);
+}
+
+TEST(RegistryFileCheck, ADamagedSignatureIsNamed) {
+    const ScratchFolder scratch;
+    const std::string path = scratch.file("r.reg");
+    write_file(path, "Windows Registry Editor Version 5.01\n\n[HKEY_LOCAL_MACHINE\\S]\n");
+    const auto check = check_registry_file(path);
+    EXPECT_EQ(check.problem, RegistryFileProblem::not_registry_file);
+    EXPECT_NE(check.reason.find("not read as a registry file"), std::string::npos);
+}
+
+TEST(RegistryFileCheck, AFolderAHugeFileAndAReadOnlyFileAreNamed) {
+    const ScratchFolder scratch;
+    EXPECT_EQ(check_registry_file(scratch.path().string()).problem,
+              RegistryFileProblem::unreadable);
+    const std::string huge = scratch.file("huge.reg");
+    write_file(huge, "Windows Registry Editor Version 5.00\n");
+    std::filesystem::resize_file(huge, qv5::detail::kRegistryFileLimit + 1);
+    EXPECT_EQ(check_registry_file(huge).problem, RegistryFileProblem::too_large);
+    const std::string locked = scratch.file("locked.reg");
+    write_file(locked, "Windows Registry Editor Version 5.00\n");
+    ASSERT_EQ(chmod(locked.c_str(), 0444), 0);
+    const auto check = check_registry_file(locked);
+    EXPECT_EQ(check.problem, RegistryFileProblem::write_protected);
+    EXPECT_NE(check.reason.find("read-only"), std::string::npos);
+    EXPECT_EQ(check_registry_file("").problem, RegistryFileProblem::unreadable);
 }
 
 TEST(RegistryFileStore, TheEnvironmentNamesTheStore) {

@@ -16,8 +16,10 @@ namespace qv5::test {
 /// A fresh folder under the system's temporary folder, removed with everything in it.
 class ScratchFolder {
 public:
-    ScratchFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "qv5-test-XXXXXX").string();
+    ScratchFolder() : ScratchFolder(std::filesystem::temp_directory_path()) {}
+    /// A fresh folder under `base`.
+    explicit ScratchFolder(const std::filesystem::path& base) {
+        std::string pattern = (base / "qv5-test-XXXXXX").string();
         if (mkdtemp(pattern.data()) != nullptr) {
             m_path = pattern;
         }
@@ -35,6 +37,15 @@ public:
 private:
     std::filesystem::path m_path;
 };
+
+/// Where tests that write many small files durably keep them: a memory file system when there
+/// is one (a flush to it costs nothing), else the system's temporary folder.
+inline std::filesystem::path fast_scratch_base() {
+    std::error_code ignored;
+    return std::filesystem::is_directory("/dev/shm", ignored)
+               ? std::filesystem::path("/dev/shm")
+               : std::filesystem::temp_directory_path();
+}
 
 /// Sets an environment variable for the life of the object, then restores it.
 class ScopedEnvironment {

@@ -572,6 +572,14 @@ TEST(ParseBearing, SignOfASmallNegativeAngleIsLost) {
     EXPECT_EQ(parse(units_BearingDMS, u"-0.3000"), 0.008726646264819785);
 }
 
+TEST(ParseBearing, ALeadingByteOrderMarkIsSkipped) {
+    EXPECT_EQ(parse(units_BearingDMS, u"\uFEFF45.3000"), parse(units_BearingDMS, u"45.3000"));
+    EXPECT_EQ(parse(units_BearingGons, u"\uFEFF 100"), parse(units_BearingGons, u"100"));
+    EXPECT_EQ(parse(units_BearingGons, u"\uFEFF"), GEO_NULL);
+    // Only at the start: a mark after the number ends it, as any other character would.
+    EXPECT_EQ(parse(units_BearingGons, u"100\uFEFF"), parse(units_BearingGons, u"100"));
+}
+
 TEST(ParseBearing, TextIsReadAsWcstodReadsIt) {
     EXPECT_EQ(parse(units_BearingDMS, u"  45.3000 junk"), 0.7941248096622681);
     EXPECT_EQ(parse(units_BearingDMS, u"abc"), 4.84813681109536e-12); // 0 read; the guard's 1e-6"

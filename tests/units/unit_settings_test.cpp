@@ -38,6 +38,7 @@ public:
         std::vector<unsigned char> data;
     };
     std::map<std::u16string, std::uint32_t> values;
+    std::map<std::u16string, std::uint32_t> types; ///< REG_BINARY unless given here
     std::vector<std::u16string> reads;
     std::vector<Write> writes;
     std::vector<std::string> calls;
@@ -57,13 +58,17 @@ private:
     class Key final : public SettingsKey {
     public:
         explicit Key(RecordingStore& store) : m_store(store) {}
-        bool read_u32(std::u16string_view name, std::uint32_t& value) override {
+        using SettingsKey::read_u32;
+        bool read_u32(std::u16string_view name, std::uint32_t& value,
+                      std::uint32_t& type) override {
             m_store.reads.emplace_back(name);
             const auto found = m_store.values.find(std::u16string(name));
             if (found == m_store.values.end()) {
                 return false;
             }
             value = found->second;
+            const auto typed = m_store.types.find(std::u16string(name));
+            type = typed == m_store.types.end() ? kRegistryBinary : typed->second;
             return true;
         }
         bool write(std::u16string_view name, std::uint32_t type,
@@ -163,6 +168,54 @@ TEST(UnitChoicesSave, AMissingKeyIsNotCreated) {
     save_unit_choices(store, kKey, choices);
     EXPECT_EQ(store.calls, (std::vector<std::string>{"open SOFTWARE\\Halvik\\QV5\\Units"}));
     EXPECT_TRUE(store.writes.empty());
+}
+
+TEST(UnitChoicesLoad, TellsWhichChoicesWereStoredExactlyAsWritten) {
+    RecordingStore store;
+    store.values = {{u"Horizontal distance", 2}, // binary, in range: exact
+                    {u"Angles", 1},              // a DWORD: another type
+                    {u"Bearings", 7},            // out of range
+                    {u"Grade", 2}};              // binary, in range: exact
+    store.types = {{u"Angles", qv5::detail::kRegistryDword}};
+    int choices[kUnitKindCount];
+    defaults(choices);
+    qv5::detail::StoredExactly exactly = 0xFFFFFFFFu;
+    load_unit_choices(store, kKey, choices, exactly);
+    EXPECT_EQ(exactly,
+              (1u << qv5::detail::kHorizontalDistanceKind) | (1u << qv5::detail::kGradeKind));
+    EXPECT_EQ(choices[qv5::detail::kAnglesKind], 1); // read all the same
+}
+
+TEST(UnitChoicesSave, AChoiceReadExactlyAndUnchangedIsNotWritten) {
+    RecordingStore store;
+    int loaded[kUnitKindCount];
+    defaults(loaded);
+    int choices[kUnitKindCount];
+    defaults(choices);
+    choices[qv5::detail::kGradeKind] = 2;      // changed
+    choices[qv5::detail::kVolumeKind] = 0;     // changed
+    const qv5::detail::StoredExactly exactly = // all but "Coords" were stored exactly
+        ((1u << kUnitKindCount) - 1) & ~(1u << qv5::detail::kCoordsKind);
+    save_unit_choices(store, kKey, choices, loaded, exactly);
+    ASSERT_EQ(store.writes.size(), 3u);
+    // In the write order: grade, volume, coords.
+    EXPECT_EQ(store.writes[0].name, u"Grade");
+    EXPECT_EQ(store.writes[0].data, (std::vector<unsigned char>{2, 0, 0, 0}));
+    EXPECT_EQ(store.writes[1].name, u"Volume");
+    EXPECT_EQ(store.writes[1].data, (std::vector<unsigned char>{0, 0, 0, 0}));
+    EXPECT_EQ(store.writes[2].name, u"Coords");
+    EXPECT_EQ(store.writes[2].type, kRegistryBinary);
+}
+
+TEST(UnitChoicesSave, AChoiceChangedAndChangedBackIsNotWritten) {
+    RecordingStore store;
+    int loaded[kUnitKindCount];
+    defaults(loaded);
+    int choices[kUnitKindCount];
+    defaults(choices);
+    save_unit_choices(store, kKey, choices, loaded, (1u << kUnitKindCount) - 1);
+    EXPECT_TRUE(store.writes.empty());
+    EXPECT_EQ(store.calls.back(), "close");
 }
 
 // ---- through the registry file -------------------------------------------------------------
@@ -359,6 +412,115 @@ TEST_F(UnitsInRegistryFile, ProcessesAndThreadsLeaveOneWrittenSet) {
                    read_back.Volume() == s.volume && read_back.Coords() == s.coords);
     }
     EXPECT_TRUE(matched);
+}
+
+TEST_F(UnitsInRegistryFile, AChoiceOnlyReadLeavesAnotherProgramsChangeAlone) {
+    { const CQuantityUnits create{CString(kKey)}; }
+    {
+        CQuantityUnits mine{CString(kKey)};
+        mine.SetGrade(units_GradeRiseRun);
+        {
+            CQuantityUnits theirs{CString(kKey)};
+            theirs.SetBearings(units_BearingGons);
+        } // theirs writes its change first
+    }
+    const CQuantityUnits after{CString(kKey)};
+    EXPECT_EQ(after.Grade(), units_GradeRiseRun);
+    EXPECT_EQ(after.Bearings(), units_BearingGons);
+}
+
+TEST_F(UnitsInRegistryFile, ADamagedChoiceIsWrittenBackAsBinary) {
+    write_file(path, "Windows Registry Editor Version 5.00\n\n"
+                     "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvik\\QV5\\Units]\n"
+                     "\"Horizontal distance\"=hex:00,00,00,00\n"
+                     "\"Vertical distance\"=hex:00,00,00,00\n"
+                     "\"Bearings\"=hex:07,00,00,00\n"
+                     "\"Angles\"=dword:00000001\n"
+                     "\"Length\"=hex:00,00\n"
+                     "\"Vertical circle\"=hex:00,00,00,00\n"
+                     "\"Grade\"=hex:00,00,00,00\n"
+                     "\"Stationing\"=hex:00,00,00,00\n"
+                     "\"Area\"=hex:00,00,00,00\n"
+                     "\"Volume\"=hex:00,00,00,00\n");
+    { const CQuantityUnits units{CString(kKey)}; }
+    const auto text = read_registry_file(path);
+    const std::pair<const char16_t*, unsigned char> expected[] = {{u"Horizontal distance", 0},
+                                                                  {u"Vertical distance", 0},
+                                                                  {u"Bearings", 0},
+                                                                  {u"Angles", 1},
+                                                                  {u"Length", 1},
+                                                                  {u"Vertical circle", 0},
+                                                                  {u"Grade", 0},
+                                                                  {u"Stationing", 0},
+                                                                  {u"Area", 0},
+                                                                  {u"Volume", 0},
+                                                                  {u"Coords", 0}};
+    for (const auto& [name, row] : expected) {
+        RegistryValue stored;
+        ASSERT_TRUE(text.find_value(kKey, name, stored)) << std::string(name, name + 3);
+        EXPECT_EQ(stored, (RegistryValue{kRegistryBinary, {row, 0, 0, 0}}))
+            << std::string(name, name + 3);
+    }
+}
+
+TEST(UnitsInSharedRegistryFile, ProcessesChangingDifferentChoicesKeepEveryChange) {
+    const ScratchFolder scratch{qv5::test::fast_scratch_base()};
+    const std::string path = scratch.file("registry.reg");
+    const ScopedEnvironment registry{"QV5_REGISTRY", path};
+    { const CQuantityUnits create{CString(kKey)}; }
+    // Each round starts from one known set; process p changes only its own kind. Any write back
+    // of a choice merely read would, now and then, undo another process's change.
+    constexpr int kRounds = 200;
+    constexpr int kProcesses = 4;
+    int lost = 0;
+    for (int round = 0; round < kRounds && lost == 0; ++round) {
+        {
+            CQuantityUnits reset{CString(kKey)};
+            reset.SetGrade(units_GradePercent);
+            reset.SetBearings(units_BearingDMS);
+            reset.SetArea(units_SquareFeet);
+            reset.SetCoords(units_NorthEastElev);
+        }
+        std::vector<pid_t> children;
+        for (int p = 0; p < kProcesses; ++p) {
+            const pid_t pid = fork();
+            if (pid == 0) {
+                {
+                    CQuantityUnits units{CString(kKey)};
+                    switch (p) {
+                    case 0:
+                        units.SetGrade(units_GradeRiseRun);
+                        break;
+                    case 1:
+                        units.SetBearings(units_BearingGons);
+                        break;
+                    case 2:
+                        units.SetArea(units_Hectares);
+                        break;
+                    default:
+                        units.SetCoords(units_XYZ);
+                        break;
+                    }
+                }
+                _exit(0);
+            }
+            children.push_back(pid);
+        }
+        for (const pid_t pid : children) {
+            int status = 0;
+            waitpid(pid, &status, 0);
+            EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        }
+        const CQuantityUnits after{CString(kKey)};
+        const bool all = after.Grade() == units_GradeRiseRun &&
+                         after.Bearings() == units_BearingGons && after.Area() == units_Hectares &&
+                         after.Coords() == units_XYZ;
+        if (!all) {
+            ++lost;
+            ADD_FAILURE() << "round " << round << " lost a change";
+        }
+    }
+    EXPECT_EQ(lost, 0);
 }
 
 } // namespace
