@@ -197,6 +197,10 @@ WriteStatus write_new_file(const std::string& path, std::string_view bytes) {
     return WriteStatus::written;
 }
 
+bool delete_file(const std::string& path) {
+    return ::unlink(path.c_str()) == 0 || errno == ENOENT;
+}
+
 bool replace_file_durably(const std::string& path, std::string_view content) {
     const std::string temporary = path + std::string(kTemporarySuffix);
     const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW,

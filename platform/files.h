@@ -55,6 +55,9 @@ enum class WriteStatus {
 /// deleted, so a failed write never leaves a partial file behind.
 WriteStatus write_new_file(const std::string& path, std::string_view bytes);
 
+/// Deletes a file. @return true when it is gone
+bool delete_file(const std::string& path);
+
 /// Replaces a file so that a crash or a concurrent reader never sees it torn: the content goes
 /// to `path`.tmp in the same folder, is flushed to disk, renamed over `path`, and the folder is
 /// flushed. The new file keeps the permission bits of the one it replaces.

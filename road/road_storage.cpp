@@ -34,8 +34,7 @@ void* clone_vertical_element(georoad_VertElementType type, void* element) {
     case georoad_VertPoint:
         return new (std::nothrow) CGeoVertPoint(*static_cast<CGeoVertPoint*>(element));
     case georoad_VertParabola:
-        return new (std::nothrow)
-            CGeoVertSymParabola(*static_cast<CGeoVertSymParabola*>(element));
+        return new (std::nothrow) CGeoVertSymParabola(*static_cast<CGeoVertSymParabola*>(element));
     case georoad_VertCircular:
         return new (std::nothrow) CGeoVertCircular(*static_cast<CGeoVertCircular*>(element));
     default:
@@ -121,14 +120,12 @@ void free_vertical_records(VertElementRecord* records, int count) {
     std::free(records);
 }
 
-HorzElementRecord* copy_horizontal_records(const HorzElementRecord* records, int count,
-                                           bool& ok) {
+HorzElementRecord* copy_horizontal_records(const HorzElementRecord* records, int count, bool& ok) {
     ok = true;
     if (count <= 0 || records == nullptr) {
         return nullptr;
     }
-    auto* copy =
-        static_cast<HorzElementRecord*>(std::malloc(sizeof(HorzElementRecord) * count));
+    auto* copy = static_cast<HorzElementRecord*>(std::malloc(sizeof(HorzElementRecord) * count));
     if (copy == nullptr) {
         ok = false;
         return nullptr;
@@ -154,8 +151,7 @@ VertElementRecord* copy_vertical_records(const VertElementRecord* records, int c
     if (count <= 0 || records == nullptr) {
         return nullptr;
     }
-    auto* copy =
-        static_cast<VertElementRecord*>(std::malloc(sizeof(VertElementRecord) * count));
+    auto* copy = static_cast<VertElementRecord*>(std::malloc(sizeof(VertElementRecord) * count));
     if (copy == nullptr) {
         ok = false;
         return nullptr;

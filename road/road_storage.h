@@ -35,8 +35,7 @@ bool copy_road_arrays(const RoadArrays& source, RoadArrays& copy);
 
 /// A deep copy of a horizontal record list; null (and nothing allocated) when an allocation
 /// fails or the count is 0.
-HorzElementRecord* copy_horizontal_records(const HorzElementRecord* records, int count,
-                                           bool& ok);
+HorzElementRecord* copy_horizontal_records(const HorzElementRecord* records, int count, bool& ok);
 /// A deep copy of a profile record list, as copy_horizontal_records.
 VertElementRecord* copy_vertical_records(const VertElementRecord* records, int count, bool& ok);
 /// A new template array holding copies of `count` templates; null when the allocation fails.

@@ -7,7 +7,10 @@
 #include "qv5/export.h"
 #include "qv5/geodef.h"
 #include "qv5/geopoint.h"
+#include "qv5/georoadfile.h"
 #include "qv5/hostfw.h"
+
+#include <cstddef>
 
 class CGeoTemplate;
 
@@ -35,24 +38,24 @@ enum georoad_Error {
 
 /// The kind of point a nearest-point search snapped to ("spiral" means either spiral type).
 enum georoad_HorzTransitionType {
-    georoad_TransNone = 0,            ///< no snap, or snapped to the start station
-    georoad_TransLineArc = 1,         ///< line followed by arc
-    georoad_TransArcLine = 2,         ///< arc followed by line
-    georoad_TransLineSpiral = 3,      ///< line followed by spiral
-    georoad_TransSpiralLine = 4,      ///< spiral followed by line
-    georoad_TransSpiralSpiral = 5,    ///< spiral followed by spiral
-    georoad_TransArcArc = 6,          ///< arc followed by arc
-    georoad_TransSpiralArc = 7,       ///< spiral followed by arc
-    georoad_TransArcSpiral = 8,       ///< arc followed by spiral
-    georoad_TransStationInterval = 9  ///< an even station (multiple of the station interval)
+    georoad_TransNone = 0,           ///< no snap, or snapped to the start station
+    georoad_TransLineArc = 1,        ///< line followed by arc
+    georoad_TransArcLine = 2,        ///< arc followed by line
+    georoad_TransLineSpiral = 3,     ///< line followed by spiral
+    georoad_TransSpiralLine = 4,     ///< spiral followed by line
+    georoad_TransSpiralSpiral = 5,   ///< spiral followed by spiral
+    georoad_TransArcArc = 6,         ///< arc followed by arc
+    georoad_TransSpiralArc = 7,      ///< spiral followed by arc
+    georoad_TransArcSpiral = 8,      ///< arc followed by spiral
+    georoad_TransStationInterval = 9 ///< an even station (multiple of the station interval)
 };
 
 /// Kind of a profile element (point of vertical intersection, PVI).
 enum georoad_VertElementType {
-    georoad_VertPoint = 0,     ///< `CGeoVertPoint`: a grade break
-    georoad_VertParabola = 1,  ///< `CGeoVertSymParabola`: symmetric parabolic curve
-    georoad_VertCircular = 2,  ///< `CGeoVertCircular`: circular curve
-    georoad_NoVertical = 3     ///< returned by NthVerticalType past the last PVI
+    georoad_VertPoint = 0,    ///< `CGeoVertPoint`: a grade break
+    georoad_VertParabola = 1, ///< `CGeoVertSymParabola`: symmetric parabolic curve
+    georoad_VertCircular = 2, ///< `CGeoVertCircular`: circular curve
+    georoad_NoVertical = 3    ///< returned by NthVerticalType past the last PVI
 };
 
 /// One horizontal element of the alignment, in alignment order.
@@ -73,17 +76,17 @@ struct VertElementRecord {
     georoad_VertElementType type; ///< kind of `element`
     /// Owned element object: `CGeoVertPoint`, `CGeoVertSymParabola` or `CGeoVertCircular`.
     void* element;
-    double station;          ///< PVI station
-    double elevation;        ///< PVI elevation
-    double curveStart;       ///< curve start station (a point: its station)
-    double curveEnd;         ///< curve end station; undefined while a curve is the last PVI
-    double curveStartElev;   ///< grade-line elevation at the curve start
-    double curveEndElev;     ///< grade-line elevation at the curve end (a point: elevation)
-    double gradeIn;          ///< grade from the previous PVI; undefined for the first
-    double gradeOut;         ///< grade to the next PVI; undefined for the last
-    double curveRate;        ///< parabola: rate of grade change; circular: the radius
-    double meanGrade;        ///< (grade in + grade out) / 2, curves only
-    double curveElevAtPVI;   ///< the curve's elevation at the PVI station, curves only
+    double station;        ///< PVI station
+    double elevation;      ///< PVI elevation
+    double curveStart;     ///< curve start station (a point: its station)
+    double curveEnd;       ///< curve end station; undefined while a curve is the last PVI
+    double curveStartElev; ///< grade-line elevation at the curve start
+    double curveEndElev;   ///< grade-line elevation at the curve end (a point: elevation)
+    double gradeIn;        ///< grade from the previous PVI; undefined for the first
+    double gradeOut;       ///< grade to the next PVI; undefined for the last
+    double curveRate;      ///< parabola: rate of grade change; circular: the radius
+    double meanGrade;      ///< (grade in + grade out) / 2, curves only
+    double curveElevAtPVI; ///< the curve's elevation at the PVI station, curves only
 };
 
 /// One template application: from `station` on, on `side`, use template `templateIndex`.
@@ -276,7 +279,37 @@ public:
     /// 1 when the road has at least one template application.
     int IsAUsefulSurface() const;
 
+    /// Writes the road file, replacing any file at `path`; on success the road's file path is
+    /// `path` and its modified flag is cleared.
+    /// @param path UTF-16, zero-terminated
+    /// @param[out] error `georoad_WriteError` when the file cannot be created; untouched
+    ///             otherwise (a write that fails later deletes the file and sets no code)
+    /// @return 1 on success, 0 on failure
+    int Write(unsigned short const* path, georoad_Error* error);
+    /// Rebuilds the road from a road file by Reset and replaying AddHorizontal, AddVertical,
+    /// AddTemplate and AddTemplateApplication, so every rule of those operations applies.
+    /// @param[out] error `georoad_ReadError` when the file cannot be opened or its header is not
+    ///             a road file header; untouched otherwise. Any later failure resets the road.
+    /// @return 1 on success (modified flag cleared), 0 on failure
+    int Read(unsigned short const* path, georoad_Error* error);
+    /// Read, also saying what was wrong with a file and at which byte.
+    /// @param[out] report when not null, always written; `problem` is georoad_FileOk on success
+    int Read(unsigned short const* path, georoad_Error* error, georoad_FileReport* report);
+    /// Read from a road file's bytes held in memory (the file path is not changed).
+    int ReadBytes(const unsigned char* bytes, std::size_t size, georoad_Error* error,
+                  georoad_FileReport* report);
+
 protected:
+    /// Appends the sections (horizontal, vertical, templates, applications, each only when it
+    /// has content) to the file being written, filling the next directory entries of `header`.
+    /// @param file the file being written (the library's internal writer)
+    /// @return 1, or 0 when a write failed
+    int WriteElements(void* file, qv5def_FileHeader& header, unsigned short& nextDirectoryEntry);
+    /// Follows every section of the directory and replays its records onto this road.
+    /// @param file the file being read (the library's internal reader over its bytes)
+    /// @return 1, or 0 at the first record that is truncated or that an add operation refuses
+    int ReadElements(void* file, qv5def_FileHeader header);
+
     /// Stores start stations from element `first` on (from the record's own start station, or
     /// from the road start station when first is 0) and the road end station; sets the
     /// modified flag.
@@ -292,23 +325,23 @@ protected:
     /// copy cannot be allocated (the road still shares).
     int OwnArrays();
 
-    double m_startStation;   ///< station of the point of beginning
-    double m_startAzimuth;   ///< entry azimuth of the first element
-    CGeoPoint m_startPt;     ///< point of beginning
-    double m_stationInterval; ///< spacing of even stations
+    double m_startStation;             ///< station of the point of beginning
+    double m_startAzimuth;             ///< entry azimuth of the first element
+    CGeoPoint m_startPt;               ///< point of beginning
+    double m_stationInterval;          ///< spacing of even stations
     HorzElementRecord* m_horzElements; ///< horizontal records (malloc'd, grown one at a time)
     int m_numHorzElements;             ///< number of horizontal records
     VertElementRecord* m_vertElements; ///< profile records (malloc'd, grown one at a time)
     int m_numVertElements;             ///< number of profile records
     TemplateApplicationRecord* m_templateApplications; ///< application records (malloc'd)
     int m_numTemplateApplications;                     ///< number of applications
-    CGeoTemplate* m_templates; ///< template library (new[], replaced on add and delete)
-    int m_numTemplates;        ///< number of templates
-    CString m_name;            ///< road name
-    CString m_filePath;        ///< file last read or written
-    double m_endStation;       ///< station at the end of the last element
-    CGeoPoint m_endPt;         ///< end of the last element
-    double m_endAzimuth;       ///< exit azimuth of the last element
+    CGeoTemplate* m_templates;     ///< template library (new[], replaced on add and delete)
+    int m_numTemplates;            ///< number of templates
+    CString m_name;                ///< road name
+    CString m_filePath;            ///< file last read or written
+    double m_endStation;           ///< station at the end of the last element
+    CGeoPoint m_endPt;             ///< end of the last element
+    double m_endAzimuth;           ///< exit azimuth of the last element
     double m_startStationVertical; ///< first station of the profile
     double m_endStationVertical;   ///< last station of the profile
     int m_modified;                ///< nonzero when changed since last read or written
@@ -323,5 +356,11 @@ private:
     // road's alone.
     mutable qv5::detail::RoadStorage* m_storage;
 };
+
+/// Reads only the road name from a road file's header.
+/// @param path UTF-16, zero-terminated
+/// @param[out] name receives the name with its terminating zero (at most 33 units)
+/// @return 1 on success; 0 when the file cannot be opened or is not a road file
+QV5_API int georoad_GetInternalName(unsigned short const* path, unsigned short* name);
 
 #endif // QV5_GEOROAD_H
