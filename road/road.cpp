@@ -304,8 +304,8 @@ int CGeoRoad::GrowHorizontal() {
     if (m_numHorzElements == INT_MAX) {
         return 0;
     }
-    void* grown = std::realloc(m_horzElements,
-                               sizeof(HorzElementRecord) * (std::size_t(m_numHorzElements) + 1));
+    void* grown =
+        grow_records(m_horzElements, std::size_t(m_numHorzElements), sizeof(HorzElementRecord));
     if (grown == nullptr) {
         return 0;
     }

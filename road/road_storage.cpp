@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <malloc.h>
 #include <new>
 
 namespace qv5::detail {
@@ -104,6 +105,18 @@ void read_vertical_element(georoad_VertElementType type, void* element, double& 
     default:
         break;
     }
+}
+
+void* grow_records(void* records, std::size_t count, std::size_t record_size) {
+    const std::size_t needed = (count + 1) * record_size;
+    if (records != nullptr && malloc_usable_size(records) >= needed) {
+        return records;
+    }
+    std::size_t size = needed;
+    if (count >= 8) {
+        size = needed + (count / 2) * record_size; // half as much again
+    }
+    return std::realloc(records, size);
 }
 
 void free_horizontal_records(HorzElementRecord* records, int count) {

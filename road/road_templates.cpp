@@ -92,9 +92,8 @@ int CGeoRoad::AddTemplateApplication(CString name, double station, geodef_RoadSi
     if (index < 0 || m_numTemplateApplications == INT_MAX || OwnArrays() == 0) {
         return 0;
     }
-    void* grown =
-        std::realloc(m_templateApplications, sizeof(TemplateApplicationRecord) *
-                                                 (std::size_t(m_numTemplateApplications) + 1));
+    void* grown = grow_records(m_templateApplications, std::size_t(m_numTemplateApplications),
+                               sizeof(TemplateApplicationRecord));
     if (grown == nullptr) {
         return 0;
     }

@@ -48,8 +48,8 @@ int CGeoRoad::AddVertical(georoad_VertElementType type, double station, double e
         report(error, georoad_MemoryError);
         return 0;
     }
-    void* grown = std::realloc(m_vertElements,
-                               sizeof(VertElementRecord) * (std::size_t(m_numVertElements) + 1));
+    void* grown =
+        grow_records(m_vertElements, std::size_t(m_numVertElements), sizeof(VertElementRecord));
     if (grown == nullptr) {
         delete_vertical_element(type, element);
         report(error, georoad_MemoryError);
@@ -80,8 +80,8 @@ int CGeoRoad::InsertVertical(int n, georoad_VertElementType type, double station
         report(error, georoad_MemoryError);
         return 0;
     }
-    void* grown = std::realloc(m_vertElements,
-                               sizeof(VertElementRecord) * (std::size_t(m_numVertElements) + 1));
+    void* grown =
+        grow_records(m_vertElements, std::size_t(m_numVertElements), sizeof(VertElementRecord));
     if (grown == nullptr) {
         delete_vertical_element(type, element);
         report(error, georoad_MemoryError);
