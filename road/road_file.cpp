@@ -231,6 +231,13 @@ int CGeoRoad::Write(unsigned short const* path, georoad_Error* error) {
     bool laid_out = false;
     try {
         RoadFileOutput out;
+        // Every record is at most a header and 82 bytes of data; a section adds one record.
+        std::size_t records = static_cast<std::size_t>(m_numHorzElements) + m_numVertElements +
+                              m_numTemplates + m_numTemplateApplications + 4;
+        for (int t = 0; t < m_numTemplates; ++t) {
+            records += static_cast<std::size_t>(m_templates[t].NumberElements());
+        }
+        out.reserve(kFileHeaderBytes + records * (kRecordHeaderBytes + 82));
         qv5def_FileHeader header = new_file_header(m_name.GetString());
         unsigned short next_entry = 0;
         laid_out = WriteElements(&out, header, next_entry) != 0;

@@ -167,6 +167,8 @@ public:
     bool begin_section(qv5def_FileHeader& header, unsigned short& next_entry, SectionType type);
     /// Appends a record of the current section. @return false when it would not fit an offset
     bool add_record(RecordType type, const unsigned char* data, std::size_t bytes);
+    /// Makes room for a file of about `bytes` bytes, so that laying it out moves nothing.
+    void reserve(std::size_t bytes) { m_bytes.reserve(bytes); }
     /// Puts the header at offset 0.
     void put_header(const qv5def_FileHeader& header);
     const std::vector<unsigned char>& bytes() const { return m_bytes; }
