@@ -400,3 +400,18 @@ TEST(RoadFileWrite, WritingReplacesAnExistingFile) {
     ASSERT_EQ(road.Write(utf16(path).data(), nullptr), 1);
     EXPECT_EQ(file_bytes(path), sample_road_fixture());
 }
+
+TEST(RoadFileRead, SecondPointOfBeginningMovesTheRoadsEndAsItIsRead) {
+    const Bytes file = assemble_road_file("", {{1,
+                                                {{1, pob_data(0, 0, 0, 0, 0, 20)},
+                                                 {2, line_data(0, 10)},
+                                                 {1, pob_data(500, 600, 0, 0, 1000, 20)},
+                                                 {2, line_data(0, 5)}}}});
+    CGeoRoad road;
+    ASSERT_EQ(read_bytes(road, file, nullptr), 1);
+    ASSERT_EQ(road.NumberHorizontalElements(), 2);
+    EXPECT_EQ(road.HorzElementStartStation(1), 1000.0);
+    EXPECT_EQ(road.HorzElementStartCoords(1).north, 500.0);
+    EXPECT_EQ(road.EndStationHorizontal(), 1005.0);
+    EXPECT_EQ(road.StartStationHorizontal(), 1000.0);
+}
