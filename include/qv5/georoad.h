@@ -35,24 +35,24 @@ enum georoad_Error {
 
 /// The kind of point a nearest-point search snapped to ("spiral" means either spiral type).
 enum georoad_HorzTransitionType {
-    georoad_TransNone = 0,            ///< no snap, or snapped to the start station
-    georoad_TransLineArc = 1,         ///< line followed by arc
-    georoad_TransArcLine = 2,         ///< arc followed by line
-    georoad_TransLineSpiral = 3,      ///< line followed by spiral
-    georoad_TransSpiralLine = 4,      ///< spiral followed by line
-    georoad_TransSpiralSpiral = 5,    ///< spiral followed by spiral
-    georoad_TransArcArc = 6,          ///< arc followed by arc
-    georoad_TransSpiralArc = 7,       ///< spiral followed by arc
-    georoad_TransArcSpiral = 8,       ///< arc followed by spiral
-    georoad_TransStationInterval = 9  ///< an even station (multiple of the station interval)
+    georoad_TransNone = 0,           ///< no snap, or snapped to the start station
+    georoad_TransLineArc = 1,        ///< line followed by arc
+    georoad_TransArcLine = 2,        ///< arc followed by line
+    georoad_TransLineSpiral = 3,     ///< line followed by spiral
+    georoad_TransSpiralLine = 4,     ///< spiral followed by line
+    georoad_TransSpiralSpiral = 5,   ///< spiral followed by spiral
+    georoad_TransArcArc = 6,         ///< arc followed by arc
+    georoad_TransSpiralArc = 7,      ///< spiral followed by arc
+    georoad_TransArcSpiral = 8,      ///< arc followed by spiral
+    georoad_TransStationInterval = 9 ///< an even station (multiple of the station interval)
 };
 
 /// Kind of a profile element (point of vertical intersection, PVI).
 enum georoad_VertElementType {
-    georoad_VertPoint = 0,     ///< `CGeoVertPoint`: a grade break
-    georoad_VertParabola = 1,  ///< `CGeoVertSymParabola`: symmetric parabolic curve
-    georoad_VertCircular = 2,  ///< `CGeoVertCircular`: circular curve
-    georoad_NoVertical = 3     ///< returned by NthVerticalType past the last PVI
+    georoad_VertPoint = 0,    ///< `CGeoVertPoint`: a grade break
+    georoad_VertParabola = 1, ///< `CGeoVertSymParabola`: symmetric parabolic curve
+    georoad_VertCircular = 2, ///< `CGeoVertCircular`: circular curve
+    georoad_NoVertical = 3    ///< returned by NthVerticalType past the last PVI
 };
 
 /// One horizontal element of the alignment, in alignment order.
@@ -73,17 +73,17 @@ struct VertElementRecord {
     georoad_VertElementType type; ///< kind of `element`
     /// Owned element object: `CGeoVertPoint`, `CGeoVertSymParabola` or `CGeoVertCircular`.
     void* element;
-    double station;          ///< PVI station
-    double elevation;        ///< PVI elevation
-    double curveStart;       ///< curve start station (a point: its station)
-    double curveEnd;         ///< curve end station; undefined while a curve is the last PVI
-    double curveStartElev;   ///< grade-line elevation at the curve start
-    double curveEndElev;     ///< grade-line elevation at the curve end (a point: elevation)
-    double gradeIn;          ///< grade from the previous PVI; undefined for the first
-    double gradeOut;         ///< grade to the next PVI; undefined for the last
-    double curveRate;        ///< parabola: rate of grade change; circular: the radius
-    double meanGrade;        ///< (grade in + grade out) / 2, curves only
-    double curveElevAtPVI;   ///< the curve's elevation at the PVI station, curves only
+    double station;        ///< PVI station
+    double elevation;      ///< PVI elevation
+    double curveStart;     ///< curve start station (a point: its station)
+    double curveEnd;       ///< curve end station; undefined while a curve is the last PVI
+    double curveStartElev; ///< grade-line elevation at the curve start
+    double curveEndElev;   ///< grade-line elevation at the curve end (a point: elevation)
+    double gradeIn;        ///< grade from the previous PVI; undefined for the first
+    double gradeOut;       ///< grade to the next PVI; undefined for the last
+    double curveRate;      ///< parabola: rate of grade change; circular: the radius
+    double meanGrade;      ///< (grade in + grade out) / 2, curves only
+    double curveElevAtPVI; ///< the curve's elevation at the PVI station, curves only
 };
 
 /// One template application: from `station` on, on `side`, use template `templateIndex`.
@@ -163,16 +163,17 @@ public:
     /// Number of horizontal elements.
     int NumberHorizontalElements() const;
 
-    /// Start station of element n (0 <= n < count; not checked).
+    /// Start station of element n (the caller keeps 0 <= n < count; outside it `GEO_NULL`).
     double HorzElementStartStation(int n) const;
-    /// Recorded start azimuth of element n (0 <= n < count; not checked).
+    /// Recorded start azimuth of element n (outside 0 <= n < count `GEO_NULL`).
     double HorzElementStartAzimuth(int n) const;
-    /// Start coordinates of element n (0 <= n < count; not checked).
+    /// Start coordinates of element n (outside 0 <= n < count all `GEO_NULL`).
     geo_nee const& HorzElementStartCoords(int n) const;
-    /// End station of element n: undefined at or past the count; the start station for a
-    /// record of a type outside 0 to 3.
+    /// End station of element n: undefined at or past the count (and for a negative n); the
+    /// start station for a record of a type outside 0 to 3.
     double HorzElementEndStation(int n) const;
-    /// Type of element n, or `georoad_NoHorizontal` at or past the count.
+    /// Type of element n, or `georoad_NoHorizontal` at or past the count (and for a negative
+    /// n).
     georoad_HorzElementType NthHorizontalType(int n) const;
 
     /// Appends a copy of the element, translated (never rotated) to the end of the road.
@@ -228,11 +229,11 @@ public:
     int GetNthVertical(int n, georoad_VertElementType type, double& station, double& elevation,
                        double& curveElevationAtPVI, double& gradeIn, double& gradeOut,
                        double& curveStart, double& curveEnd, double& length);
-    /// Station of PVI n (not checked).
+    /// Station of PVI n (the caller keeps 0 <= n < count; outside it `GEO_NULL`).
     double NthPVIStation(int n) const;
-    /// Elevation of PVI n (not checked).
+    /// Elevation of PVI n (outside 0 <= n < count `GEO_NULL`).
     double NthPVIElevation(int n) const;
-    /// Type of PVI n, or `georoad_NoVertical` at or past the count.
+    /// Type of PVI n, or `georoad_NoVertical` at or past the count (and for a negative n).
     georoad_VertElementType NthVerticalType(int n) const;
     /// Number of PVIs.
     int NumberVerticalElements() const;
@@ -292,23 +293,23 @@ protected:
     /// copy cannot be allocated (the road still shares).
     int OwnArrays();
 
-    double m_startStation;   ///< station of the point of beginning
-    double m_startAzimuth;   ///< entry azimuth of the first element
-    CGeoPoint m_startPt;     ///< point of beginning
-    double m_stationInterval; ///< spacing of even stations
+    double m_startStation;             ///< station of the point of beginning
+    double m_startAzimuth;             ///< entry azimuth of the first element
+    CGeoPoint m_startPt;               ///< point of beginning
+    double m_stationInterval;          ///< spacing of even stations
     HorzElementRecord* m_horzElements; ///< horizontal records (malloc'd, grown one at a time)
     int m_numHorzElements;             ///< number of horizontal records
     VertElementRecord* m_vertElements; ///< profile records (malloc'd, grown one at a time)
     int m_numVertElements;             ///< number of profile records
     TemplateApplicationRecord* m_templateApplications; ///< application records (malloc'd)
     int m_numTemplateApplications;                     ///< number of applications
-    CGeoTemplate* m_templates; ///< template library (new[], replaced on add and delete)
-    int m_numTemplates;        ///< number of templates
-    CString m_name;            ///< road name
-    CString m_filePath;        ///< file last read or written
-    double m_endStation;       ///< station at the end of the last element
-    CGeoPoint m_endPt;         ///< end of the last element
-    double m_endAzimuth;       ///< exit azimuth of the last element
+    CGeoTemplate* m_templates;     ///< template library (new[], replaced on add and delete)
+    int m_numTemplates;            ///< number of templates
+    CString m_name;                ///< road name
+    CString m_filePath;            ///< file last read or written
+    double m_endStation;           ///< station at the end of the last element
+    CGeoPoint m_endPt;             ///< end of the last element
+    double m_endAzimuth;           ///< exit azimuth of the last element
     double m_startStationVertical; ///< first station of the profile
     double m_endStationVertical;   ///< last station of the profile
     int m_modified;                ///< nonzero when changed since last read or written
