@@ -146,9 +146,10 @@ TEST_F(QV5RoadFile, RoadFileIsShownLikeItsText) {
     ASSERT_EQ(from_file.exit_code, 0) << from_file.err;
     EXPECT_EQ(from_file.out, from_text.out);
     EXPECT_NE(from_file.out.find("Quarry access"), std::string::npos);
-    const auto json = run_qv5({"road", "--json", file_path});
-    ASSERT_EQ(json.exit_code, 0);
-    EXPECT_EQ(nlohmann::json::parse(json.out)["horizontal"].size(), 3u);
+    const auto json_file = run_qv5({"road", "--json", file_path});
+    const auto json_text = run_qv5({"road", "--json", text_path});
+    ASSERT_EQ(json_file.exit_code, 0) << json_file.err;
+    EXPECT_EQ(nlohmann::json::parse(json_file.out), nlohmann::json::parse(json_text.out));
 }
 
 TEST_F(QV5RoadFile, TruncatedFileIsNamedWithTheByteOfItsTruncatedRecord) {
@@ -177,6 +178,10 @@ TEST_F(QV5RoadFile, FileWithAnotherMagicIsNotARoadFile) {
         EXPECT_NE(r.err.find(file_path), std::string::npos) << r.err;
     }
     EXPECT_NE(run_qv5({"road", "name", file_path}).err.find("not a road file"), std::string::npos);
+    const auto shown = run_qv5({"road", file_path});
+    EXPECT_EQ(shown.exit_code, 2);
+    EXPECT_EQ(count_lines(shown.err), 1u) << shown.err;
+    EXPECT_NE(shown.err.find("neither a road file"), std::string::npos) << shown.err;
 }
 
 TEST_F(QV5RoadFile, LoopingChainIsReportedNotFollowedForever) {
@@ -205,6 +210,30 @@ TEST_F(QV5RoadFile, ApplicationOfAnUnknownTemplateIsRefused) {
     const auto r = run_qv5({"road", "convert", text_path, file_path});
     EXPECT_EQ(r.exit_code, 2);
     EXPECT_NE(r.err.find("no template named \"Gravel\""), std::string::npos) << r.err;
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(QV5RoadFile, BundledSampleRoadFileIsTheConversionOfTheBundledDescription) {
+    const std::string converted = scratch.file("sample.qv5r");
+    const auto r = run_qv5(
+        {"road", "convert", std::string(QV5_SAMPLE_DATA_DIR) + "/sample-road.json", converted});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_EQ(read_bytes(converted),
+              read_bytes(std::string(QV5_SAMPLE_DATA_DIR) + "/sample-road.qv5r"));
+}
+
+TEST_F(QV5RoadFile, BundledSampleRoadFileRoundTripsThroughItsText) {
+    const std::string sample = std::string(QV5_SAMPLE_DATA_DIR) + "/sample-road.qv5r";
+    const std::string text = scratch.file("sample.json");
+    const std::string again = scratch.file("again.qv5r");
+    ASSERT_EQ(run_qv5({"road", "convert", sample, text}).exit_code, 0);
+    ASSERT_EQ(run_qv5({"road", "convert", text, again}).exit_code, 0);
+    EXPECT_EQ(read_bytes(again), read_bytes(sample));
+    const auto name = run_qv5({"road", "name", sample});
+    EXPECT_EQ(name.out, "Sample two-lane road\n");
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// `qv5 road`: a road read from its road file or its JSON (chosen by content), shown; `qv5 road
-// convert IN OUT` writes the other form; `qv5 road name FILE` reads only the name.
+// `qv5 road convert IN OUT` writes a road in its other form (a road file as text, a road's JSON as
+// a road file); `qv5 road name FILE` reads only a road file's name.
 #include "commands.h"
 #include "output.h"
 #include "road_text.h"
@@ -11,19 +11,19 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace qv5::cli {
 namespace {
 
-/// A road file or JSON the program cannot use: reported with the file's name, exit 2.
+/// A road file or text the program cannot use: reported with the file's name, exit 2.
 constexpr int kExitBadRoad = 2;
 
-struct RoadOptions {
-    std::string file;
+struct RoadFileOptions {
     std::string convert_in;
     std::string convert_out;
     std::string name_file;
-    bool json = false;
 };
 
 int bad_road(const std::string& file, const std::string& what) {
@@ -31,40 +31,16 @@ int bad_road(const std::string& file, const std::string& what) {
     return kExitBadRoad;
 }
 
-int show(const RoadOptions& options) {
+/// A road file becomes its text; a description or a road file's text becomes a road file.
+int convert(const RoadFileOptions& options) {
     CGeoRoad road;
-    std::string error;
-    if (!load_road(options.file, road, error)) {
-        return bad_road(options.file, error);
+    RoadForm form = RoadForm::description;
+    std::vector<JobError> errors;
+    if (!load_road(options.convert_in, road, form, errors)) {
+        report_road_errors(options.convert_in, form, errors);
+        return kExitBadRoad;
     }
-    if (options.json) {
-        std::cout << road_to_json(road).dump(2) << '\n';
-        return 0;
-    }
-    std::cout << fmt::format("Road \"{}\"\n", road.Name().ToUtf8());
-    std::cout << fmt::format("  horizontal elements  {}", road.NumberHorizontalElements());
-    if (road.NumberHorizontalElements() > 0) {
-        std::cout << fmt::format(", stations {} to {} m", fixed(road.StartStationHorizontal(), 3),
-                                 fixed(road.EndStationHorizontal(), 3));
-    }
-    std::cout << fmt::format("\n  PVIs                 {}\n", road.NumberVerticalElements());
-    std::cout << fmt::format("  templates            {}\n", road.NumberTemplates());
-    std::cout << fmt::format("  applications         {}\n", road.NumberTemplateApplications());
-    return 0;
-}
-
-int convert(const RoadOptions& options) {
-    std::ifstream probe(options.convert_in, std::ios::binary);
-    char head[11] = {};
-    probe.read(head, sizeof head);
-    const bool from_file =
-        looks_like_road_file(std::string(head, static_cast<std::size_t>(probe.gcount())));
-    CGeoRoad road;
-    std::string error;
-    if (!load_road(options.convert_in, road, error)) {
-        return bad_road(options.convert_in, error);
-    }
-    if (from_file) {
+    if (form == RoadForm::road_file) {
         std::ofstream out(options.convert_out, std::ios::binary | std::ios::trunc);
         out << road_to_json(road).dump(2) << '\n';
         if (!out.flush()) {
@@ -78,7 +54,7 @@ int convert(const RoadOptions& options) {
     return 0;
 }
 
-int name(const RoadOptions& options) {
+int name(const RoadFileOptions& options) {
     const CString path = CString::FromUtf8(options.name_file);
     unsigned short units[33] = {};
     if (georoad_GetInternalName(path.GetString(), units)) {
@@ -104,33 +80,24 @@ int name(const RoadOptions& options) {
 
 } // namespace
 
-CommandRunner add_road_command(CLI::App& app) {
-    auto options = std::make_shared<RoadOptions>();
-    CLI::App* command = app.add_subcommand(
-        "road",
-        "A road from its road file or its JSON (chosen by content): shown, converted, named");
-    command->require_subcommand(0, 1);
-    command->add_option("file", options->file, "road file or JSON");
-    command->add_flag("--json", options->json, "the road as JSON, value for value its road file");
-    CLI::App* convert_command = command->add_subcommand(
-        "convert", "Road file to JSON or JSON to road file (the other form of what IN holds)");
+RoadFileRunner add_road_file_commands(CLI::App& road) {
+    auto options = std::make_shared<RoadFileOptions>();
+    CLI::App* convert_command = road.add_subcommand(
+        "convert", "A road file to its text (JSON, value for value), or a road's JSON (its "
+                   "description or a road file's text) to a road file");
     convert_command->add_option("in", options->convert_in, "road file or JSON")->required();
     convert_command->add_option("out", options->convert_out, "file to write")->required();
     CLI::App* name_command =
-        command->add_subcommand("name", "The road's name, read from the file's header alone");
+        road.add_subcommand("name", "A road file's road name, read from its header alone");
     name_command->add_option("file", options->name_file, "road file")->required();
-    return [options, convert_command, name_command]() {
+    return [options, convert_command, name_command]() -> std::optional<int> {
         if (convert_command->parsed()) {
             return convert(*options);
         }
         if (name_command->parsed()) {
             return name(*options);
         }
-        if (options->file.empty()) {
-            report_error("road: give a road file or JSON (run 'qv5 road --help' for usage)");
-            return kExitBadArguments;
-        }
-        return show(*options);
+        return std::nullopt;
     };
 }
 

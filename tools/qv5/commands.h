@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <optional>
 
 namespace qv5::cli {
 
@@ -28,8 +29,13 @@ CommandRunner add_element_command(CLI::App& app);
 CommandRunner add_units_command(CLI::App& app);
 /// `template`: a cross-section template's chain, and its design height or catch at an offset.
 CommandRunner add_template_command(CLI::App& app);
-/// `road`: a road from its road file or JSON; `road convert`, `road name`.
+/// `road`: a road read from its JSON description or its road file, stationed and listed;
+/// `road convert` between the forms, `road name` from a road file's header.
 CommandRunner add_road_command(CLI::App& app);
+/// What the road file subcommands run: their exit code, or nothing when none was chosen.
+using RoadFileRunner = std::function<std::optional<int>()>;
+/// `road convert` and `road name`, added to the `road` command.
+RoadFileRunner add_road_file_commands(CLI::App& road);
 
 } // namespace qv5::cli
 

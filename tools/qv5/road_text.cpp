@@ -1,6 +1,9 @@
 // The road as JSON, value for value what its road file stores, and the loading of either form.
 #include "road_text.h"
 
+#include "output.h"
+#include "road_json.h"
+
 #include "qv5/geoarc.h"
 #include "qv5/geoline.h"
 #include "qv5/geospiral.h"
@@ -10,9 +13,9 @@
 
 #include <cmath>
 #include <cstring>
-#include <fstream>
-#include <iterator>
+#include <filesystem>
 #include <limits>
+#include <optional>
 
 namespace qv5::cli {
 namespace {
@@ -21,6 +24,8 @@ using json = nlohmann::ordered_json;
 
 /// The magic at the start of a road file, with its zero.
 constexpr char kRoadFileMagic[] = "Halvik QV5";
+/// The "format" field that marks a road file's text.
+constexpr const char* kRoadFileTextFormat = "qv5 road file as text: metres and radians";
 /// Files larger than this are not read as JSON (a road file is checked by the library).
 constexpr std::size_t kMaxRoadTextBytes = std::size_t{64} << 20;
 
@@ -455,7 +460,7 @@ bool build_road(const json& text, CGeoRoad& road, Fields& f) {
 
 nlohmann::ordered_json road_to_json(CGeoRoad& road) {
     json out;
-    out["format"] = "qv5 road file as text: metres and radians";
+    out["format"] = kRoadFileTextFormat;
     out["name"] = text_of(road.Name());
     json horizontal = json::array();
     if (road.NumberHorizontalElements() > 0) {
@@ -609,34 +614,80 @@ std::string describe_road_file_problem(const georoad_FileReport& report) {
     return "unknown problem";
 }
 
-bool load_road(const std::string& path, CGeoRoad& road, std::string& error) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = "cannot be opened";
+RoadForm road_form_of(const std::string& content) {
+    if (looks_like_road_file(content)) {
+        return RoadForm::road_file;
+    }
+    const json text = json::parse(content, nullptr, false);
+    if (!text.is_discarded() && text.is_object() && text.contains("format") &&
+        text["format"] == kRoadFileTextFormat) {
+        return RoadForm::road_file_text;
+    }
+    return RoadForm::description;
+}
+
+bool load_road(const std::string& path, CGeoRoad& road, RoadForm& form,
+               std::vector<JobError>& errors) {
+    road.Reset();
+    form = RoadForm::description;
+    std::string content;
+    if (!read_whole_file(path, content)) {
+        errors.push_back({0, "cannot read the file"});
         return false;
     }
-    std::string bytes;
-    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    if (bytes.size() > kMaxRoadTextBytes) {
-        error = "is larger than 64 MiB";
+    if (content.size() > kMaxRoadTextBytes) {
+        errors.push_back({0, "is larger than 64 MiB"});
         return false;
     }
-    if (looks_like_road_file(bytes)) {
+    form = road_form_of(content);
+    if (form == RoadForm::road_file) {
         georoad_FileReport report{};
         georoad_Error code = georoad_Error(0);
-        if (!road.ReadBytes(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
+        if (!road.ReadBytes(reinterpret_cast<const unsigned char*>(content.data()), content.size(),
                             &code, &report)) {
-            error = describe_road_file_problem(report);
+            errors.push_back({0, describe_road_file_problem(report)});
             return false;
         }
         return true;
     }
-    const json text = json::parse(bytes, nullptr, false);
-    if (text.is_discarded()) {
-        error = "is neither a road file nor JSON";
+    if (form == RoadForm::road_file_text) {
+        std::string error;
+        if (!road_from_json(json::parse(content), road, error)) {
+            errors.push_back({0, error});
+            return false;
+        }
+        return true;
+    }
+    // Text holds no zero byte: this is a damaged road file or something else altogether.
+    if (content.find('\0') != std::string::npos) {
+        errors.push_back({0, "neither a road file (no \"Halvik QV5\" at byte 0) nor JSON"});
         return false;
     }
-    return road_from_json(text, road, error);
+    // Template files named by a description are found beside it.
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    const TemplateFileReader read_template =
+        [&folder](const std::string& name) -> std::optional<std::string> {
+        std::filesystem::path file(name);
+        if (file.is_relative()) {
+            file = folder / file;
+        }
+        std::string contents;
+        if (!read_whole_file(file.string(), contents)) {
+            return std::nullopt;
+        }
+        return contents;
+    };
+    return parse_road_json(content, read_template, road, errors);
+}
+
+void report_road_errors(const std::string& path, RoadForm form,
+                        const std::vector<JobError>& errors) {
+    if (form == RoadForm::description && !(errors.size() == 1 && errors[0].line == 0)) {
+        report_file_errors(path, errors, "road description not used");
+        return;
+    }
+    report_error(path + ": " +
+                 (errors.empty() ? std::string("cannot be read") : errors[0].message));
 }
 
 bool save_road_file(const std::string& path, CGeoRoad& road) {

@@ -5,11 +5,14 @@
 #ifndef QV5_TOOLS_ROAD_TEXT_H
 #define QV5_TOOLS_ROAD_TEXT_H
 
+#include "csv_text.h"
+
 #include "qv5/georoad.h"
 
 #include <nlohmann/json.hpp>
 
 #include <string>
+#include <vector>
 
 namespace qv5::cli {
 
@@ -28,9 +31,29 @@ bool looks_like_road_file(const std::string& bytes);
 /// Why a road file could not be read, for a message: "truncated record at byte 1 234".
 std::string describe_road_file_problem(const georoad_FileReport& report);
 
-/// Loads a road from a file holding either a road file or its JSON, chosen by content.
-/// @return false with `error` saying what was wrong (without the file's name)
-bool load_road(const std::string& path, CGeoRoad& road, std::string& error);
+/// The forms a road comes in, told apart by content, never by the file's name.
+enum class RoadForm {
+    road_file,      ///< the binary road file ("Halvik QV5" at byte 0)
+    road_file_text, ///< the road file's values as JSON (road_to_json, with its "format" field)
+    description     ///< the designer's JSON description (see docs/road-json.md)
+};
+
+/// The form of a file's content.
+RoadForm road_form_of(const std::string& content);
+
+/// Loads a road from a file in any of its forms (template files named by a description are
+/// found beside it).
+/// @param[out] form the form the file was found in
+/// @param[out] errors what was wrong: for a road file or its text one problem of the file as a
+///             whole; for a description every bad field with its line
+/// @return false when the road could not be loaded (it is then empty)
+bool load_road(const std::string& path, CGeoRoad& road, RoadForm& form,
+               std::vector<JobError>& errors);
+
+/// Reports load_road's errors on standard error: one line naming the file and what was wrong for
+/// a road file or its text, each bad field and a verdict for a description.
+void report_road_errors(const std::string& path, RoadForm form,
+                        const std::vector<JobError>& errors);
 
 /// Writes the road file (UTF-8 path). @return false when it could not be written
 bool save_road_file(const std::string& path, CGeoRoad& road);
