@@ -12,8 +12,10 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
+#include <initializer_list>
 #include <limits>
 #include <optional>
 
@@ -250,59 +252,64 @@ bool template_from_json(Fields& f, const json& t, const std::string& where, CGeo
         if (!e.is_object() || !f.text(e, "type", at, type)) {
             return e.is_object() ? false : f.fail(at + " is not an object");
         }
+        // The records are packed: values are read into doubles and copied into place.
         alignas(double) unsigned char record[96] = {};
+        double v[3] = {};
+        const auto numbers = [&](std::initializer_list<const char*> keys) {
+            std::size_t k = 0;
+            for (const char* key : keys) {
+                if (!f.number(e, key, at, v[k++])) {
+                    return false;
+                }
+            }
+            return true;
+        };
         geotemp_ElementType kind = geotemp_None;
         if (type == "step" || type == "delta hv") {
-            geotemp_StepData d{};
-            if (!f.number(e, "deltaH", at, d.DeltaH) || !f.number(e, "deltaV", at, d.DeltaV)) {
+            if (!numbers({"deltaH", "deltaV"})) {
                 return false;
             }
-            std::memcpy(record, &d, sizeof d);
+            std::memcpy(record, v, sizeof(geotemp_StepData));
             kind = type == "step" ? geotemp_Step : geotemp_DeltaHV;
         } else if (type == "grade width") {
-            geotemp_GradeWidthData d{};
-            if (!f.number(e, "angle", at, d.Angle) || !f.number(e, "width", at, d.Width)) {
+            if (!numbers({"angle", "width"})) {
                 return false;
             }
-            std::memcpy(record, &d, sizeof d);
+            std::memcpy(record, v, sizeof(geotemp_GradeWidthData));
             kind = geotemp_GradeWidth;
         } else if (type == "feature") {
-            geotemp_FeatureData d{};
             std::string feature;
-            if (!f.text(e, "name", at, feature) || !f.number(e, "valueA", at, d.ValueA) ||
-                !f.number(e, "valueB", at, d.ValueB)) {
+            if (!f.text(e, "name", at, feature) || !numbers({"valueA", "valueB"})) {
                 return false;
             }
-            put_name(d.Name, feature);
-            std::memcpy(record, &d, sizeof d);
+            unsigned short units[33];
+            put_name(units, feature);
+            std::memcpy(record, units, sizeof units);
+            std::memcpy(record + offsetof(geotemp_FeatureData, ValueA), v, 2 * sizeof(double));
             kind = geotemp_Feature;
         } else if (type == "fixed point") {
-            geotemp_FixedPointData d{};
-            std::string reserved;
-            if (!f.number(e, "h", at, d.H) || !f.number(e, "v", at, d.V) ||
-                !f.number(e, "angle", at, d.Angle)) {
+            if (!numbers({"h", "v", "angle"})) {
                 return false;
             }
+            std::memcpy(record, v, 3 * sizeof(double));
             if (e.contains("reserved")) {
+                std::string reserved;
                 if (!f.text(e, "reserved", at, reserved) || reserved.size() != 32 ||
                     reserved.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
                     return f.fail(at + ": \"reserved\" must be 32 hexadecimal digits");
                 }
                 for (std::size_t b = 0; b < 16; ++b) {
-                    d.Reserved[b] = static_cast<unsigned char>(
-                        std::stoul(reserved.substr(2 * b, 2), nullptr, 16));
+                    record[offsetof(geotemp_FixedPointData, Reserved) + b] =
+                        static_cast<unsigned char>(
+                            std::stoul(reserved.substr(2 * b, 2), nullptr, 16));
                 }
             }
-            std::memcpy(record, &d, sizeof d);
             kind = geotemp_FixedPoint;
         } else if (type == "side slope") {
-            geotemp_SideSlopeData d{};
-            if (!f.number(e, "cutAngle", at, d.CutAngle) ||
-                !f.number(e, "fillAngle", at, d.FillAngle) ||
-                !f.number(e, "ditchWidth", at, d.DitchWidth)) {
+            if (!numbers({"cutAngle", "fillAngle", "ditchWidth"})) {
                 return false;
             }
-            std::memcpy(record, &d, sizeof d);
+            std::memcpy(record, v, sizeof(geotemp_SideSlopeData));
             kind = geotemp_SideSlope;
         } else {
             return f.fail(at + ": unknown type \"" + type + "\"");
