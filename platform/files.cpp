@@ -185,6 +185,58 @@ ReadStatus read_whole_file(const std::string& path, std::size_t max_bytes, std::
     return ReadStatus::read;
 }
 
+ReadStatus read_file_start(const std::string& path, std::size_t max_bytes, std::string& content) {
+    content.clear();
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0) {
+        return errno == ENOENT ? ReadStatus::missing : ReadStatus::failed;
+    }
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(fd);
+        return ReadStatus::failed;
+    }
+    content.resize(max_bytes);
+    std::size_t got = 0;
+    while (got < max_bytes) {
+        const ssize_t n = ::read(fd, content.data() + got, max_bytes - got);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n < 0) {
+            ::close(fd);
+            content.clear();
+            return ReadStatus::failed;
+        }
+        if (n == 0) {
+            break;
+        }
+        got += static_cast<std::size_t>(n);
+    }
+    ::close(fd);
+    content.resize(got);
+    return ReadStatus::read;
+}
+
+WriteStatus write_new_file(const std::string& path, std::string_view bytes) {
+    const int fd =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY, kNewFileMode);
+    if (fd < 0) {
+        return WriteStatus::cannot_create;
+    }
+    const bool written = write_all(fd, bytes);
+    const bool closed = ::close(fd) == 0;
+    if (!written || !closed) {
+        ::unlink(path.c_str());
+        return WriteStatus::write_failed;
+    }
+    return WriteStatus::written;
+}
+
+bool delete_file(const std::string& path) {
+    return ::unlink(path.c_str()) == 0 || errno == ENOENT;
+}
+
 bool replace_file_durably(const std::string& link_or_file, std::string_view content) {
     // Through a symbolic link the file it names is replaced, and the link stays.
     const std::string path = resolve_symbolic_links(link_or_file);

@@ -48,6 +48,24 @@ std::string resolve_symbolic_links(const std::string& path);
 /// True when a file is there and must not be written: it has no write permission bit at all
 /// (even for a user the system would let write it), or this process may not write it.
 bool write_protected(const std::string& path);
+/// Reads at most `max_bytes` from the start of a regular file (never blocking, as
+/// read_whole_file); a longer file is not an error, only its first bytes are read.
+ReadStatus read_file_start(const std::string& path, std::size_t max_bytes, std::string& content);
+
+/// What write_new_file did.
+enum class WriteStatus {
+    written,       ///< the file holds exactly the bytes
+    cannot_create, ///< the file could not be created (nothing was changed)
+    write_failed   ///< writing failed after the file was created; the file was deleted again
+};
+
+/// Creates a file, replacing any file of that name (write access, no sharing with other
+/// writers), writes all of `bytes`, and closes it; when a write or the close fails the file is
+/// deleted, so a failed write never leaves a partial file behind.
+WriteStatus write_new_file(const std::string& path, std::string_view bytes);
+
+/// Deletes a file. @return true when it is gone
+bool delete_file(const std::string& path);
 
 /// Replaces a file so that a crash or a concurrent reader never sees it torn: the content goes
 /// to `path`.tmp in the same folder, is flushed to disk, renamed over `path`, and the folder is

@@ -54,13 +54,13 @@ static_assert(sizeof(geo_hvd) == 3 * sizeof(double));
 static_assert(sizeof(geo_vector) == 3 * sizeof(double));
 
 /// Sense of a curved element as seen in the direction of travel.
-enum geodef_Direction {
+enum geodef_Direction : int {
     geodef_Left = 0, ///< turns anticlockwise; the centre lies to the left
     geodef_Right = 1 ///< turns clockwise; the centre lies to the right
 };
 
 /// Which side of a road centreline a template application serves.
-enum geodef_RoadSide {
+enum geodef_RoadSide : int {
     geodef_LeftSide = 1,  ///< left of the centreline
     geodef_RightSide = 2, ///< right of the centreline
     geodef_BothSides = 3  ///< both sides; matches a request for either side

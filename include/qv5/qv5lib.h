@@ -14,6 +14,8 @@
 #include "qv5/geoline.h"
 #include "qv5/geomatrix.h"
 #include "qv5/geopoint.h"
+#include "qv5/georoad.h"
+#include "qv5/georoadfile.h"
 #include "qv5/geosection.h"
 #include "qv5/geospiral.h"
 #include "qv5/geostereo.h"

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <optional>
 
 namespace qv5::cli {
 
@@ -30,6 +31,13 @@ CommandRunner add_units_command(CLI::App& app);
 CommandRunner add_template_command(CLI::App& app);
 /// `draw`: a cross-section template's picture written to PNG and/or SVG.
 CommandRunner add_draw_command(CLI::App& app);
+/// `road`: a road read from its JSON description or its road file, stationed and listed;
+/// `road convert` between the forms, `road name` from a road file's header.
+CommandRunner add_road_command(CLI::App& app);
+/// What the road file subcommands run: their exit code, or nothing when none was chosen.
+using RoadFileRunner = std::function<std::optional<int>()>;
+/// `road convert` and `road name`, added to the `road` command.
+RoadFileRunner add_road_file_commands(CLI::App& road);
 
 } // namespace qv5::cli
 

@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
     const CommandRunner units = add_units_command(app);
     const CommandRunner templ = add_template_command(app);
     const CommandRunner draw = add_draw_command(app);
+    const CommandRunner road = add_road_command(app);
 
     try {
         app.parse(argc, argv);
@@ -60,6 +61,9 @@ int main(int argc, char** argv) {
         }
         if (app.got_subcommand("template")) {
             return templ();
+        }
+        if (app.got_subcommand("road")) {
+            return road();
         }
         return sample();
     } catch (const std::exception& e) {
