@@ -1,7 +1,11 @@
 // `qv5 calibrate`: a site calibration fitted to control points, its parameters and residuals,
 // and optionally the calibration saved for `qv5 convert`.
-#include "calibration_file.h"
+#include "calibration.h"
+#include "calibration_json.h"
 #include "commands.h"
+#include "control_points_csv.h"
+#include "conversion_rows.h"
+#include "dms.h"
 #include "output.h"
 #include "units_output.h"
 
@@ -211,19 +215,21 @@ int run_calibrate(const CalibrateOptions& options) {
 
 } // namespace
 
-CommandRunner add_calibrate_command(CLI::App& app) {
+CommandRunner add_calibrate_options(CLI::App& cmd) {
     auto options = std::make_shared<CalibrateOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "calibrate", "Fit a site calibration to control points (WGS84 and site coordinates) and "
-                     "show its parameters and residuals");
-    cmd->add_option("points", options->points_file,
-                    "Control points, CSV: name,latitude,longitude,height,north,east,elevation,use")
+    cmd.add_option("points", options->points_file,
+                   "Control points, CSV: name,latitude,longitude,height,north,east,elevation,use")
         ->required();
-    cmd->add_option("--save", options->save_file,
-                    "Write the calibration to this JSON file, for 'qv5 convert'");
-    cmd->add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(*cmd, options->raw);
+    cmd.add_option("--save", options->save_file,
+                   "Write the calibration to this JSON file, for 'qv5 convert'");
+    cmd.add_flag("--json", options->json, "Write JSON");
+    add_raw_flag(cmd, options->raw);
     return [options] { return run_calibrate(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("calibrate",
+            "Fit a site calibration to control points (WGS84 and site coordinates) and "
+            "show its parameters and residuals",
+            qv5::cli::add_calibrate_options);

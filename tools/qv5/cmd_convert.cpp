@@ -1,8 +1,12 @@
 // `qv5 convert`: WGS84 to site grid and back through a saved calibration, for positions given as
 // arguments or as CSV on standard input.
-#include "calibration_file.h"
+#include "args.h"
+#include "calibration.h"
+#include "calibration_json.h"
 #include "commands.h"
-#include "number_args.h"
+#include "control_points_csv.h"
+#include "conversion_rows.h"
+#include "dms.h"
 #include "output.h"
 #include "units_output.h"
 
@@ -189,23 +193,25 @@ int run_convert(const ConvertOptions& options) {
 
 } // namespace
 
-CommandRunner add_convert_command(CLI::App& app) {
+CommandRunner add_convert_options(CLI::App& cmd) {
     auto options = std::make_shared<ConvertOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "convert", "Convert WGS84 positions to site grid coordinates, or back, through a saved "
-                   "calibration (positions as arguments, or CSV on standard input)");
-    cmd->add_option("--calibration", options->calibration_file,
-                    "Calibration JSON written by 'qv5 calibrate --save'")
+    cmd.add_option("--calibration", options->calibration_file,
+                   "Calibration JSON written by 'qv5 calibrate --save'")
         ->required();
-    cmd->add_option("--to", options->to, "grid (from WGS84) or wgs84 (from grid)")
+    cmd.add_option("--to", options->to, "grid (from WGS84) or wgs84 (from grid)")
         ->required()
         ->check(CLI::IsMember({"grid", "wgs84"}));
-    cmd->add_option("values", options->values,
-                    "LATITUDE LONGITUDE HEIGHT (to grid) or NORTH EAST ELEVATION (to wgs84), "
-                    "repeated; angles in decimal degrees or D:M:S with N/S/E/W");
-    cmd->add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(*cmd, options->raw);
+    cmd.add_option("values", options->values,
+                   "LATITUDE LONGITUDE HEIGHT (to grid) or NORTH EAST ELEVATION (to wgs84), "
+                   "repeated; angles in decimal degrees or D:M:S with N/S/E/W");
+    cmd.add_flag("--json", options->json, "Write JSON");
+    add_raw_flag(cmd, options->raw);
     return [options] { return run_convert(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("convert",
+            "Convert WGS84 positions to site grid coordinates, or back, through a saved "
+            "calibration (positions as arguments, or CSV on standard input)",
+            qv5::cli::add_convert_options);

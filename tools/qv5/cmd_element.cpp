@@ -1,7 +1,7 @@
 // `qv5 element`: one alignment element - a straight, an arc, an entry or an exit spiral - given
 // on the command line, evaluated at a station and offset or inverted for a given point.
+#include "args.h"
 #include "commands.h"
-#include "number_args.h"
 #include "output.h"
 #include "units_output.h"
 
@@ -14,6 +14,7 @@
 #include <cmath>
 #include <iostream>
 #include <memory>
+#include <numbers>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,8 +22,7 @@
 namespace qv5::cli {
 namespace {
 
-constexpr double kHalfPi = 1.5707963267948966;
-constexpr double kRadiansPerDegree = 0.017453292519943295;
+constexpr double kRadiansPerDegree = std::numbers::pi / 180;
 /// Series and search tolerance for spirals unless --tolerance says otherwise, metres: the one
 /// the library uses for a spiral's end point.
 constexpr double kDefaultTolerance = 1e-5;
@@ -165,14 +165,11 @@ bool is_spiral(Kind kind) {
 }
 
 std::optional<geodef_Direction> direction_of(const std::string& text) {
-    std::string lower;
-    for (char c : text) {
-        lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
-    if (lower == "left" || lower == "l") {
+    const std::string name = lower(text);
+    if (name == "left" || name == "l") {
         return geodef_Left;
     }
-    if (lower == "right" || lower == "r") {
+    if (name == "right" || name == "r") {
         return geodef_Right;
     }
     return std::nullopt;
@@ -253,7 +250,7 @@ bool read_arguments(const ElementOptions& o, Element& element, Query& query) {
 /// The point `offset` metres square to the right of `azimuth` from `on_line`.
 geo_nee square_off(CGeoPoint& on_line, double azimuth, double offset) {
     CGeoLine square;
-    square.Set(on_line, azimuth + kHalfPi, offset, 0.0);
+    square.Set(on_line, azimuth + std::numbers::pi / 2, offset, 0.0);
     return square.EndPt().Grid();
 }
 
@@ -478,20 +475,21 @@ void add_kind(CLI::App& parent, Kind kind, const char* description,
 
 } // namespace
 
-CommandRunner add_element_command(CLI::App& app) {
+CommandRunner add_element_options(CLI::App& element) {
     auto options = std::make_shared<ElementOptions>();
-    CLI::App* element = app.add_subcommand(
-        "element", "One alignment element: the point at a station and offset, or the station "
-                   "and offset of a point (given in metres and radians; shown in the units chosen "
-                   "with 'qv5 units')");
-    element->require_subcommand(1);
-    add_kind(*element, Kind::Line, "A straight", options);
-    add_kind(*element, Kind::Arc, "A circular arc", options);
-    add_kind(*element, Kind::EntrySpiral, "A transition spiral from a straight onto an arc",
+    element.require_subcommand(1);
+    add_kind(element, Kind::Line, "A straight", options);
+    add_kind(element, Kind::Arc, "A circular arc", options);
+    add_kind(element, Kind::EntrySpiral, "A transition spiral from a straight onto an arc",
              options);
-    add_kind(*element, Kind::ExitSpiral, "A transition spiral from an arc onto a straight",
-             options);
+    add_kind(element, Kind::ExitSpiral, "A transition spiral from an arc onto a straight", options);
     return [options] { return run_element(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("element",
+            "One alignment element: the point at a station and offset, or the station "
+            "and offset of a point (given in metres and radians; shown in the units chosen "
+            "with 'qv5 units')",
+            qv5::cli::add_element_options);

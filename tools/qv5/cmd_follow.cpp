@@ -1,6 +1,6 @@
 // `qv5 follow`: the point reached from a start along a bearing, distance and gradient.
+#include "args.h"
 #include "commands.h"
-#include "number_args.h"
 #include "output.h"
 #include "units_output.h"
 
@@ -32,14 +32,7 @@ struct FollowOptions {
 
 int run_follow(const FollowOptions& options) {
     std::array<double, 6> v{};
-    bool ok = true;
-    for (std::size_t i = 0; i < kNames.size(); ++i) {
-        if (!parse_number(options.text[i], v[i])) {
-            report_error("follow: " + not_a_number(kNames[i], options.text[i]));
-            ok = false;
-        }
-    }
-    if (!ok) {
+    if (!read_number_arguments("follow", kNames.data(), options.text.data(), v.data(), v.size())) {
         return kExitBadArguments;
     }
     const geo_nee start{v[0], v[1], v[2]};
@@ -68,17 +61,19 @@ int run_follow(const FollowOptions& options) {
 
 } // namespace
 
-CommandRunner add_follow_command(CLI::App& app) {
+CommandRunner add_follow_options(CLI::App& cmd) {
     auto options = std::make_shared<FollowOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "follow", "The point at a bearing, horizontal distance and gradient from a start (given in "
-                  "metres and radians; shown in the units chosen with 'qv5 units')");
     for (std::size_t i = 0; i < kNames.size(); ++i) {
-        cmd->add_option(kNames[i], options->text[i], kUnits[i])->required();
+        cmd.add_option(kNames[i], options->text[i], kUnits[i])->required();
     }
-    cmd->add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(*cmd, options->raw);
+    cmd.add_flag("--json", options->json, "Write JSON");
+    add_raw_flag(cmd, options->raw);
     return [options] { return run_follow(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("follow",
+            "The point at a bearing, horizontal distance and gradient from a start (given in "
+            "metres and radians; shown in the units chosen with 'qv5 units')",
+            qv5::cli::add_follow_options);

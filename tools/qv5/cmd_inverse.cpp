@@ -1,6 +1,6 @@
 // `qv5 inverse`: bearing, distances and gradient from one point to another.
+#include "args.h"
 #include "commands.h"
-#include "number_args.h"
 #include "output.h"
 #include "units_output.h"
 
@@ -26,14 +26,7 @@ struct InverseOptions {
 
 int run_inverse(const InverseOptions& options) {
     std::array<double, 6> v{};
-    bool ok = true;
-    for (std::size_t i = 0; i < kNames.size(); ++i) {
-        if (!parse_number(options.text[i], v[i])) {
-            report_error("inverse: " + not_a_number(kNames[i], options.text[i]));
-            ok = false;
-        }
-    }
-    if (!ok) {
+    if (!read_number_arguments("inverse", kNames.data(), options.text.data(), v.data(), v.size())) {
         return kExitBadArguments;
     }
     geo_nee from{v[0], v[1], v[2]};
@@ -74,17 +67,19 @@ int run_inverse(const InverseOptions& options) {
 
 } // namespace
 
-CommandRunner add_inverse_command(CLI::App& app) {
+CommandRunner add_inverse_options(CLI::App& cmd) {
     auto options = std::make_shared<InverseOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "inverse", "Bearing, horizontal, vertical and slope distance, and gradient between two "
-                   "points given in metres; shown in the units chosen with 'qv5 units'");
     for (std::size_t i = 0; i < kNames.size(); ++i) {
-        cmd->add_option(kNames[i], options->text[i], "metres")->required();
+        cmd.add_option(kNames[i], options->text[i], "metres")->required();
     }
-    cmd->add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(*cmd, options->raw);
+    cmd.add_flag("--json", options->json, "Write JSON");
+    add_raw_flag(cmd, options->raw);
     return [options] { return run_inverse(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("inverse",
+            "Bearing, horizontal, vertical and slope distance, and gradient between two "
+            "points given in metres; shown in the units chosen with 'qv5 units'",
+            qv5::cli::add_inverse_options);

@@ -184,7 +184,7 @@ int run_sample(const SampleOptions& options) {
 
 } // namespace
 
-CommandRunner add_sample_command(CLI::App& app) {
+CommandRunner add_sample_options(CLI::App& app) {
     auto options = std::make_shared<SampleOptions>();
     app.add_option("--data", options->data_file,
                    "Job file to run instead of the bundled sample (see docs/cli.md)");

@@ -98,13 +98,11 @@ int set_unit(const UnitsOptions& options) {
 
 } // namespace
 
-CommandRunner add_units_command(CLI::App& app) {
+CommandRunner add_units_options(CLI::App& cmd) {
     auto options = std::make_shared<UnitsOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "units", "Show the units quantities are shown in, or change one with 'units set'");
-    cmd->add_flag("--json", options->json, "Write JSON");
-    cmd->require_subcommand(0, 1);
-    CLI::App* set = cmd->add_subcommand("set", "Change one unit choice; it is kept for later runs");
+    cmd.add_flag("--json", options->json, "Write JSON");
+    cmd.require_subcommand(0, 1);
+    CLI::App* set = cmd.add_subcommand("set", "Change one unit choice; it is kept for later runs");
     set->add_option("kind", options->kind,
                     "horizontal-distance, vertical-distance, length, angles, bearings, grade, "
                     "stationing, area, volume or coords")
@@ -117,3 +115,6 @@ CommandRunner add_units_command(CLI::App& app) {
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("units", "Show the units quantities are shown in, or change one with 'units set'",
+            qv5::cli::add_units_options);

@@ -4,8 +4,19 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cstring>
 #include <exception>
-#include <iostream>
+#include <utility>
+
+namespace qv5::cli {
+
+std::vector<CommandEntry>& command_registry() {
+    static std::vector<CommandEntry> registry;
+    return registry;
+}
+
+} // namespace qv5::cli
 
 int main(int argc, char** argv) {
     using namespace qv5::cli;
@@ -13,13 +24,16 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", QV5_VERSION);
     app.require_subcommand(0, 1);
 
-    const CommandRunner sample = add_sample_command(app);
-    const CommandRunner inverse = add_inverse_command(app);
-    const CommandRunner follow = add_follow_command(app);
-    const CommandRunner calibrate = add_calibrate_command(app);
-    const CommandRunner convert = add_convert_command(app);
-    const CommandRunner element = add_element_command(app);
-    const CommandRunner units = add_units_command(app);
+    const CommandRunner sample = add_sample_options(app);
+    std::vector<CommandEntry> entries = command_registry();
+    std::sort(entries.begin(), entries.end(), [](const CommandEntry& a, const CommandEntry& b) {
+        return std::strcmp(a.name, b.name) < 0;
+    });
+    std::vector<std::pair<CLI::App*, CommandRunner>> commands;
+    for (const CommandEntry& entry : entries) {
+        CLI::App* cmd = app.add_subcommand(entry.name, entry.help);
+        commands.emplace_back(cmd, entry.setup(*cmd));
+    }
 
     try {
         app.parse(argc, argv);
@@ -35,23 +49,10 @@ int main(int argc, char** argv) {
     }
 
     try {
-        if (app.got_subcommand("inverse")) {
-            return inverse();
-        }
-        if (app.got_subcommand("follow")) {
-            return follow();
-        }
-        if (app.got_subcommand("calibrate")) {
-            return calibrate();
-        }
-        if (app.got_subcommand("convert")) {
-            return convert();
-        }
-        if (app.got_subcommand("element")) {
-            return element();
-        }
-        if (app.got_subcommand("units")) {
-            return units();
+        for (const auto& [cmd, run] : commands) {
+            if (cmd->parsed()) {
+                return run();
+            }
         }
         return sample();
     } catch (const std::exception& e) {
