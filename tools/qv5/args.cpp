@@ -45,6 +45,17 @@ std::string lower(std::string_view text) {
 }
 
 bool parse_number(std::string_view text, double& value) {
+    text = trim(text);
+    if (text.substr(0, kMinusSign.size()) == kMinusSign) {
+        text.remove_prefix(kMinusSign.size());
+        double magnitude = 0.0;
+        if (text.empty() || text.front() == '-' || text.front() == '+' ||
+            !parse_number(text, magnitude)) {
+            return false;
+        }
+        value = -magnitude;
+        return true;
+    }
     text = unsigned_body(text);
     if (text.empty()) {
         return false;
@@ -77,8 +88,18 @@ std::string not_a_number(std::string_view name, std::string_view text) {
     std::string message = "argument '";
     message += name;
     message += "': '";
+    if (text.substr(0, kMinusSign.size()) == kMinusSign) {
+        message += '-';
+        text.remove_prefix(kMinusSign.size());
+    }
     message += text;
-    message += "' is not a number";
+    std::string_view body = trim(text);
+    if (!body.empty() && (body.front() == '-' || body.front() == '+')) {
+        body.remove_prefix(1);
+    }
+    const std::string word = lower(body);
+    const bool non_finite = word == "inf" || word == "infinity" || word == "nan";
+    message += non_finite ? "' is not a finite number" : "' is not a number";
     return message;
 }
 

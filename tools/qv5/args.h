@@ -9,6 +9,10 @@
 
 namespace qv5::cli {
 
+/// The minus sign U+2212 in UTF-8. The program reads it as '-': typeset documents use it, and
+/// main() gives it to values such as "-inf" that the option parser would take for options.
+inline constexpr std::string_view kMinusSign = "\xE2\x88\x92";
+
 /// The text without leading and trailing blanks (spaces, tabs, carriage returns, line feeds).
 std::string_view trim(std::string_view text);
 

@@ -7,6 +7,8 @@
 #include "conversion_rows.h"
 #include "dms.h"
 #include "output.h"
+#include "output_options.h"
+#include "proj_pipeline.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -23,8 +25,7 @@ namespace {
 struct CalibrateOptions {
     std::string points_file;
     std::string save_file;
-    bool json = false;
-    bool raw = false;
+    bool proj = false;
 };
 
 const char* region_name(CGeoStereographic::stereo_Region region) {
@@ -117,7 +118,7 @@ nlohmann::ordered_json largest(int index, double value, const SavedCalibration& 
 }
 
 void print_json(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t,
-                const DisplayUnits& show) {
+                const DisplayUnits& show, OutputFormat format) {
     nlohmann::ordered_json residuals = nlohmann::ordered_json::array();
     for (int i = 0; i < t.NumberOfPoints(); ++i) {
         const geotrans_CalibrationPoint* p = t.NthPoint(i);
@@ -167,7 +168,7 @@ void print_json(const std::string& source, const SavedCalibration& saved, CGeoTr
             {"height_shift", show.height(t.VerticalHeightAdjustment(), 4)}};
         out["units"] = show.description();
     }
-    std::cout << out.dump(2) << '\n';
+    write_structured(out, format_name(format));
 }
 
 int run_calibrate(const CalibrateOptions& options) {
@@ -192,6 +193,11 @@ int run_calibrate(const CalibrateOptions& options) {
                           : failure_reason(error)));
         return kExitBadData;
     }
+    if (std::string which; !calibration_is_finite(t, which)) {
+        report_error("calibrate: " + options.points_file + ": no calibration: its " + which +
+                     " cannot be computed (not a finite number); nothing was saved");
+        return kExitBadData;
+    }
     if (!options.save_file.empty()) {
         std::ofstream file(options.save_file, std::ios::binary | std::ios::trunc);
         file << calibration_json(saved, t);
@@ -201,9 +207,14 @@ int run_calibrate(const CalibrateOptions& options) {
             return kExitBadData;
         }
     }
-    const DisplayUnits show(options.raw);
-    if (options.json) {
-        print_json(options.points_file, saved, t, show);
+    if (options.proj) {
+        std::cout << proj_pipeline(t) << '\n';
+        return 0;
+    }
+    const DisplayUnits show(output_options());
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        print_json(options.points_file, saved, t, show, format);
     } else {
         print_text(options.points_file, saved, t, show);
         if (!options.save_file.empty()) {
@@ -222,8 +233,9 @@ CommandRunner add_calibrate_options(CLI::App& cmd) {
         ->required();
     cmd.add_option("--save", options->save_file,
                    "Write the calibration to this JSON file, for 'qv5 convert'");
-    cmd.add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(cmd, options->raw);
+    cmd.add_flag("--proj", options->proj,
+                 "Print the calibration as a PROJ pipeline (latitude, longitude in degrees and "
+                 "height in; north, east, elevation out) for cct and other PROJ tools");
     return [options] { return run_calibrate(*options); };
 }
 

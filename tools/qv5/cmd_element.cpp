@@ -3,6 +3,7 @@
 #include "args.h"
 #include "commands.h"
 #include "output.h"
+#include "output_options.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -58,8 +59,6 @@ struct ElementOptions {
     std::string from;
     std::string tolerance;
     bool degrees = false;
-    bool json = false;
-    bool raw = false;
 };
 
 /// The checked values.
@@ -396,21 +395,34 @@ int run_element(const ElementOptions& options) {
         report_error("element: " + why);
         return kExitBadData;
     }
-    const DisplayUnits show(options.raw);
-    if (options.json) {
-        nlohmann::json out = {{"element", name_of(element.kind)},
-                              {"station", json_number(answer.station)},
-                              {"offset", json_number(answer.offset)},
-                              {"azimuth_rad", json_number(answer.azimuth)}};
+    const bool with_elevation = element.start.elev != GEO_NULL;
+    if (!check_results(
+            "element",
+            {{"station", answer.station}, {"offset", answer.offset}, {"azimuth", answer.azimuth}},
+            "the element gives no finite answer there") ||
+        (!query.locate && !check_results("element",
+                                         {{"north", answer.point.north},
+                                          {"east", answer.point.east},
+                                          {"elevation", with_elevation ? answer.point.elev : 0.0}},
+                                         "the element gives no finite answer there"))) {
+        return kExitBadData;
+    }
+    const DisplayUnits show(output_options());
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        nlohmann::ordered_json out = {{"element", name_of(element.kind)},
+                                      {"station", json_number(answer.station)},
+                                      {"offset", json_number(answer.offset)},
+                                      {"azimuth_rad", json_number(answer.azimuth)}};
         if (!query.locate) {
             out["north"] = json_number(answer.point.north);
             out["east"] = json_number(answer.point.east);
             out["elevation"] = json_number(answer.point.elev);
         }
         if (!show.raw()) {
-            nlohmann::json formatted = {{"station", show.station(answer.station, 4)},
-                                        {"offset", show.distance(answer.offset, 4)},
-                                        {"azimuth", show.bearing(answer.azimuth, 9)}};
+            nlohmann::ordered_json formatted = {{"station", show.station(answer.station, 4)},
+                                                {"offset", show.distance(answer.offset, 4)},
+                                                {"azimuth", show.bearing(answer.azimuth, 9)}};
             if (!query.locate) {
                 formatted["north"] = show.distance(answer.point.north, 4);
                 formatted["east"] = show.distance(answer.point.east, 4);
@@ -419,7 +431,7 @@ int run_element(const ElementOptions& options) {
             out["formatted"] = formatted;
             out["units"] = show.description();
         }
-        std::cout << out.dump(2) << '\n';
+        write_structured(out, format_name(format));
         return 0;
     }
     std::cout << describe(element, show) << '\n'
@@ -469,8 +481,7 @@ void add_kind(CLI::App& parent, Kind kind, const char* description,
                     "A point NORTH,EAST[,ELEVATION] to find the station and offset of");
     cmd->add_flag("--degrees", options->degrees,
                   "Azimuth and grade given in decimal degrees instead of radians");
-    cmd->add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(*cmd, options->raw);
+    add_output_options(*cmd);
 }
 
 } // namespace

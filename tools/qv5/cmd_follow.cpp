@@ -2,6 +2,7 @@
 #include "args.h"
 #include "commands.h"
 #include "output.h"
+#include "output_options.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -26,8 +27,6 @@ constexpr std::array<const char*, 6> kUnits = {"metres",
 
 struct FollowOptions {
     std::array<std::string, 6> text;
-    bool json = false;
-    bool raw = false;
 };
 
 int run_follow(const FollowOptions& options) {
@@ -38,19 +37,25 @@ int run_follow(const FollowOptions& options) {
     const geo_nee start{v[0], v[1], v[2]};
     geo_nee end{};
     geo_grid_follow(start, v[3], v[4], v[5], end);
-    const DisplayUnits show(options.raw);
+    if (!check_results("follow",
+                       {{"north", end.north}, {"east", end.east}, {"elevation", end.elev}},
+                       "the start or the distance is too large")) {
+        return kExitBadData;
+    }
+    const DisplayUnits show(output_options());
     const auto position = show.position(end, 4);
-    if (options.json) {
-        nlohmann::json out = {{"north", json_number(end.north)},
-                              {"east", json_number(end.east)},
-                              {"elevation", json_number(end.elev)}};
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        nlohmann::ordered_json out = {{"north", json_number(end.north)},
+                                      {"east", json_number(end.east)},
+                                      {"elevation", json_number(end.elev)}};
         if (!show.raw()) {
             out["formatted"] = {{"north", show.distance(end.north, 4)},
                                 {"east", show.distance(end.east, 4)},
                                 {"elevation", show.height(end.elev, 4)}};
             out["units"] = show.description();
         }
-        std::cout << out.dump(2) << '\n';
+        write_structured(out, format_name(format));
         return 0;
     }
     for (const auto& [label, text] : position) {
@@ -66,8 +71,6 @@ CommandRunner add_follow_options(CLI::App& cmd) {
     for (std::size_t i = 0; i < kNames.size(); ++i) {
         cmd.add_option(kNames[i], options->text[i], kUnits[i])->required();
     }
-    cmd.add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(cmd, options->raw);
     return [options] { return run_follow(*options); };
 }
 

@@ -2,6 +2,7 @@
 #include "args.h"
 #include "commands.h"
 #include "output.h"
+#include "output_options.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -20,8 +21,6 @@ constexpr std::array<const char*, 6> kNames = {"from_north", "from_east", "from_
 
 struct InverseOptions {
     std::array<std::string, 6> text;
-    bool json = false;
-    bool raw = false;
 };
 
 int run_inverse(const InverseOptions& options) {
@@ -38,13 +37,23 @@ int run_inverse(const InverseOptions& options) {
     const double slope = line.GridSlopeDistance();
     const double gradient = geo_gradient(from, to);
 
-    const DisplayUnits show(options.raw);
-    if (options.json) {
-        nlohmann::json out = {{"bearing_rad", json_number(bearing)},
-                              {"horizontal_distance_m", json_number(horizontal)},
-                              {"vertical_distance_m", json_number(vertical)},
-                              {"slope_distance_m", json_number(slope)},
-                              {"gradient_rad", json_number(gradient)}};
+    if (!check_results("inverse",
+                       {{"bearing", bearing},
+                        {"horizontal distance", horizontal},
+                        {"vertical distance", vertical},
+                        {"slope distance", slope},
+                        {"gradient", gradient}},
+                       "the points coincide in plan, or their coordinates are too large")) {
+        return kExitBadData;
+    }
+    const DisplayUnits show(output_options());
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        nlohmann::ordered_json out = {{"bearing_rad", json_number(bearing)},
+                                      {"horizontal_distance_m", json_number(horizontal)},
+                                      {"vertical_distance_m", json_number(vertical)},
+                                      {"slope_distance_m", json_number(slope)},
+                                      {"gradient_rad", json_number(gradient)}};
         if (!show.raw()) {
             out["formatted"] = {{"bearing", show.bearing(bearing, 9)},
                                 {"horizontal_distance", show.distance(horizontal, 4)},
@@ -53,7 +62,7 @@ int run_inverse(const InverseOptions& options) {
                                 {"gradient", show.grade(gradient, 9)}};
             out["units"] = show.description();
         }
-        std::cout << out.dump(2) << '\n';
+        write_structured(out, format_name(format));
         return 0;
     }
     std::cout << fmt::format("Bearing              {}\n", show.bearing(bearing, 9))
@@ -72,8 +81,6 @@ CommandRunner add_inverse_options(CLI::App& cmd) {
     for (std::size_t i = 0; i < kNames.size(); ++i) {
         cmd.add_option(kNames[i], options->text[i], "metres")->required();
     }
-    cmd.add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(cmd, options->raw);
     return [options] { return run_inverse(*options); };
 }
 

@@ -6,40 +6,50 @@
 
 namespace qv5::cli {
 
+bool is_conversion_header(const std::vector<std::string_view>& fields, ConversionTarget target) {
+    const std::string head = lower(trim(fields.front()));
+    return head == "name" || head == (target == ConversionTarget::grid ? "latitude" : "north");
+}
+
+bool read_conversion_fields(const std::vector<std::string_view>& fields, ConversionTarget target,
+                            int line, ConversionInput& in, std::vector<JobError>& errors) {
+    const bool to_grid = target == ConversionTarget::grid;
+    RowErrors row(line, errors);
+    if (fields.size() != 3 && fields.size() != 4) {
+        row.fail(std::string("expected 3 or 4 fields ([name,]") +
+                 (to_grid ? "latitude,longitude,height" : "north,east,elevation") + "), found " +
+                 std::to_string(fields.size()));
+        return false;
+    }
+    const std::size_t at = fields.size() - 3;
+    in.name.assign(at == 1 ? trim(fields[0]) : std::string_view());
+    in.line = line;
+    if (to_grid) {
+        in.a = row.angle(fields[at], true, "latitude");
+        in.b = row.angle(fields[at + 1], false, "longitude");
+        in.c = row.number(fields[at + 2], "height", true);
+    } else {
+        in.a = row.number(fields[at], "north", false);
+        in.b = row.number(fields[at + 1], "east", false);
+        in.c = row.number(fields[at + 2], "elevation", true);
+    }
+    return !row.failed();
+}
+
 bool parse_conversion_rows(std::string_view text, ConversionTarget target,
                            std::vector<ConversionInput>& inputs, std::vector<JobError>& errors) {
     inputs.clear();
     const std::size_t errors_before = errors.size();
-    const bool to_grid = target == ConversionTarget::grid;
     bool first = true;
     for_each_record(text, [&](int line, std::string_view record) {
         const std::vector<std::string_view> fields = split_fields(record);
-        const std::string head = lower(trim(fields.front()));
-        const bool header = first && (head == "name" || head == (to_grid ? "latitude" : "north"));
+        const bool header = first && is_conversion_header(fields, target);
         first = false;
         if (header) {
             return;
         }
-        RowErrors row(line, errors);
-        if (fields.size() != 3 && fields.size() != 4) {
-            row.fail(std::string("expected 3 or 4 fields ([name,]") +
-                     (to_grid ? "latitude,longitude,height" : "north,east,elevation") +
-                     "), found " + std::to_string(fields.size()));
-            return;
-        }
-        const std::size_t at = fields.size() - 3;
-        ConversionInput in{at == 1 ? std::string(trim(fields[0])) : std::string(), 0.0, 0.0,
-                           GEO_NULL, line};
-        if (to_grid) {
-            in.a = row.angle(fields[at], true, "latitude");
-            in.b = row.angle(fields[at + 1], false, "longitude");
-            in.c = row.number(fields[at + 2], "height", true);
-        } else {
-            in.a = row.number(fields[at], "north", false);
-            in.b = row.number(fields[at + 1], "east", false);
-            in.c = row.number(fields[at + 2], "elevation", true);
-        }
-        if (!row.failed()) {
+        ConversionInput in{{}, 0.0, 0.0, GEO_NULL, line};
+        if (read_conversion_fields(fields, target, line, in, errors)) {
             inputs.push_back(std::move(in));
         }
     });

@@ -24,6 +24,15 @@ struct ConversionInput {
     int line;
 };
 
+/// Whether a row is the optional header: its first field is "name" or the first coordinate's
+/// name (any case).
+bool is_conversion_header(const std::vector<std::string_view>& fields, ConversionTarget target);
+
+/// Reads one row of 3 or 4 fields into `in`.
+/// @return false with every problem of the row appended to `errors`
+bool read_conversion_fields(const std::vector<std::string_view>& fields, ConversionTarget target,
+                            int line, ConversionInput& in, std::vector<JobError>& errors);
+
 /// Reads positions to convert: "[name,]latitude,longitude,height" towards grid or
 /// "[name,]north,east,elevation" towards WGS84, one per line; the height or elevation may be
 /// empty. Blank and '#' lines are skipped, and an optional header line whose first field is
