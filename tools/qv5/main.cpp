@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -35,13 +36,24 @@ bool negative_value(std::string_view arg) {
     return word == "inf" || word == "infinity" || word == "nan" || arg[1] == '.';
 }
 
+/// Where the manual is installed beside this program: PREFIX/share/man/man1/qv5.1.
+std::string man_page_path() {
+    std::error_code error;
+    const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error) {
+        return QV5_INSTALL_MAN_PAGE;
+    }
+    return (exe.parent_path().parent_path() / QV5_INSTALL_MAN_PAGE).lexically_normal().string();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     using namespace qv5::cli;
     CLI::App app{"qv5 - survey and road-design computations with QV5lib.\n"
-                 "Every command writes a readable table, or --csv, --json or --jsonl; see "
-                 "'man qv5' (installed as " QV5_MAN_PAGE ").",
+                 "Every command writes a readable table, or --csv, --json or --jsonl. The manual: "
+                 "'man qv5', installed as " +
+                     man_page_path() + ".",
                  "qv5"};
     app.set_version_flag("--version", QV5_VERSION);
     app.require_subcommand(0, 1);
