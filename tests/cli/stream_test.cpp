@@ -350,3 +350,22 @@ TEST(QV5Stream, AMillionRowsRunInBoundedMemory) {
 }
 
 } // namespace
+
+namespace {
+
+TEST(QV5Calibrate, CheckPointsGetResidualsAgainstTheSolution) {
+    // CHK1 takes part in neither solution; its known coordinates (rounded to millimetres) are
+    // within a few millimetres of where the calibration puts it.
+    const auto r = qv5({"calibrate", kSample, "--json"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    const auto row = nlohmann::json::parse(r.out)["residuals"][6];
+    ASSERT_EQ(row["name"], "CHK1");
+    EXPECT_TRUE(row["horizontal"].is_null());
+    ASSERT_TRUE(row["check_horizontal"].is_number());
+    EXPECT_LT(row["check_horizontal"].get<double>(), 0.002);
+    EXPECT_LT(std::fabs(row["check_vertical"].get<double>()), 0.002);
+    const auto text = qv5({"calibrate", kSample, "--raw"});
+    EXPECT_NE(text.out.find(" m (check)"), std::string::npos) << text.out;
+}
+
+} // namespace

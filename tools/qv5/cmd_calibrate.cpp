@@ -70,6 +70,41 @@ std::string largest_text(int index, const SavedCalibration& saved, const std::st
                       : std::string("none");
 }
 
+/// A point's residuals: the solution's own for the parts of the point it used, and for a part
+/// it did not use but whose known coordinates were given, the same residual measured against
+/// the solution (a check point's).
+struct Residuals {
+    double horizontal = GEO_NULL; ///< the solution's, for a point used horizontally
+    double vertical = GEO_NULL;   ///< the solution's, for a point used vertically
+    double check_horizontal = GEO_NULL;
+    double check_vertical = GEO_NULL;
+};
+
+Residuals residuals_of(CGeoTransformation& t, int i) {
+    const geotrans_CalibrationPoint* p = t.NthPoint(i);
+    Residuals r{p->hResidual, p->vResidual, GEO_NULL, GEO_NULL};
+    const bool used_h = (p->flags & geotrans_UseHorizontal) != 0;
+    const bool used_v = (p->flags & geotrans_UseVertical) != 0;
+    if (used_h && used_v) {
+        return r;
+    }
+    geo_nee computed{};
+    t.Forward(p->llh, computed);
+    if (!used_h && p->nee.north != GEO_NULL && p->nee.east != GEO_NULL &&
+        computed.north != GEO_NULL && computed.east != GEO_NULL) {
+        r.check_horizontal = geo_horz_dist(computed, p->nee);
+    }
+    if (!used_v && p->nee.elev != GEO_NULL && computed.elev != GEO_NULL) {
+        r.check_vertical = geo_vert_dist(computed, p->nee);
+    }
+    return r;
+}
+
+/// A residual column: the solution's residual, or a check residual marked as one.
+std::string residual_text(const std::string& solution, const std::string& check) {
+    return check == "-" ? solution : check + " (check)";
+}
+
 void print_text(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t,
                 const DisplayUnits& show) {
     std::cout << fmt::format("Calibration from {}: {} points ({} horizontal, {} vertical)\n\n",
@@ -88,13 +123,16 @@ void print_text(const std::string& source, const SavedCalibration& saved, CGeoTr
                              "(metres per metre)\n\n",
                              show.height(t.VerticalHeightAdjustment(), 4),
                              fixed(t.VerticalSlopeNorth(), 8), fixed(t.VerticalSlopeEast(), 8));
-    std::cout << fmt::format("{:<16}{:>6}{:>16}{:>16}\n", "Point", "Use", "H residual",
+    std::cout << fmt::format("{:<16}{:>6}{:>24}{:>24}\n", "Point", "Use", "H residual",
                              "V residual");
     for (int i = 0; i < t.NumberOfPoints(); ++i) {
         const geotrans_CalibrationPoint* p = t.NthPoint(i);
-        std::cout << fmt::format("{:<16}{:>6}{:>16}{:>16}\n",
-                                 saved.points[static_cast<std::size_t>(i)].name, use_text(p->flags),
-                                 show.distance(p->hResidual, 4), show.height(p->vResidual, 4));
+        const Residuals r = residuals_of(t, i);
+        std::cout << fmt::format(
+            "{:<16}{:>6}{:>24}{:>24}\n", saved.points[static_cast<std::size_t>(i)].name,
+            use_text(p->flags),
+            residual_text(show.distance(r.horizontal, 4), show.distance(r.check_horizontal, 4)),
+            residual_text(show.height(r.vertical, 4), show.height(r.check_vertical, 4)));
     }
     int index = -1;
     double value = GEO_NULL;
@@ -122,12 +160,16 @@ void print_json(const std::string& source, const SavedCalibration& saved, CGeoTr
     nlohmann::ordered_json residuals = nlohmann::ordered_json::array();
     for (int i = 0; i < t.NumberOfPoints(); ++i) {
         const geotrans_CalibrationPoint* p = t.NthPoint(i);
+        const Residuals r = residuals_of(t, i);
         nlohmann::ordered_json row = {{"name", saved.points[static_cast<std::size_t>(i)].name},
-                                      {"horizontal", json_number(p->hResidual)},
-                                      {"vertical", json_number(p->vResidual)}};
+                                      {"use", use_text(p->flags)},
+                                      {"horizontal", json_number(r.horizontal)},
+                                      {"vertical", json_number(r.vertical)},
+                                      {"check_horizontal", json_number(r.check_horizontal)},
+                                      {"check_vertical", json_number(r.check_vertical)}};
         if (!show.raw()) {
-            row["formatted"] = {{"horizontal", show.distance(p->hResidual, 4)},
-                                {"vertical", show.height(p->vResidual, 4)}};
+            row["formatted"] = {{"horizontal", show.distance(r.horizontal, 4)},
+                                {"vertical", show.height(r.vertical, 4)}};
         }
         residuals.push_back(row);
     }

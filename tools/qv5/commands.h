@@ -11,6 +11,14 @@
 // else is edited to add a command: main() creates every registered command, in name order,
 // parses the arguments and runs the one chosen. The cmd_*.cpp files must be linked into the
 // program itself (not a static library), or the linker drops their registrations.
+//
+// main() also adds the output and input options to every command (--csv, --json, --jsonl, --raw,
+// --precision, --angle-format, --units, --delimiter, --strict, --progress; see
+// output_options.h): a command does not add them itself, and reads them with output_options().
+// It shows quantities with `DisplayUnits show(output_options());`, writes a single answer built
+// as JSON with write_structured() when the format is not the table, and checks its answers with
+// check_results() (a non-finite or null answer: "cannot be computed", exit status 1). A command
+// that takes rows streams them as cmd_convert.cpp does (LineSource, FieldSplitter, BlockWriter).
 #ifndef QV5_TOOLS_COMMANDS_H
 #define QV5_TOOLS_COMMANDS_H
 
