@@ -369,3 +369,16 @@ TEST(QV5Calibrate, CheckPointsGetResidualsAgainstTheSolution) {
 }
 
 } // namespace
+
+namespace {
+
+TEST(QV5Follow, BearingAndGradientMayBeGivenInDegrees) {
+    // 90 degrees east, 10 m, level: (0, 10).
+    const auto r = qv5({"follow", "0", "0", "0", "90", "10", "0", "--degrees", "--json"});
+    ASSERT_EQ(r.exit_code, 0) << r.err;
+    const auto doc = nlohmann::json::parse(r.out);
+    EXPECT_NEAR(doc["north"].get<double>(), 0.0, 1e-12);
+    EXPECT_NEAR(doc["east"].get<double>(), 10.0, 1e-12);
+}
+
+} // namespace

@@ -12,6 +12,7 @@
 #include <array>
 #include <iostream>
 #include <memory>
+#include <numbers>
 
 namespace qv5::cli {
 namespace {
@@ -27,6 +28,7 @@ constexpr std::array<const char*, 6> kUnits = {"metres",
 
 struct FollowOptions {
     std::array<std::string, 6> text;
+    bool degrees = false;
 };
 
 int run_follow(const FollowOptions& options) {
@@ -36,7 +38,8 @@ int run_follow(const FollowOptions& options) {
     }
     const geo_nee start{v[0], v[1], v[2]};
     geo_nee end{};
-    geo_grid_follow(start, v[3], v[4], v[5], end);
+    const double angle_unit = options.degrees ? std::numbers::pi / 180 : 1.0;
+    geo_grid_follow(start, v[3] * angle_unit, v[4], v[5] * angle_unit, end);
     if (!check_results("follow",
                        {{"north", end.north}, {"east", end.east}, {"elevation", end.elev}},
                        "the start or the distance is too large")) {
@@ -71,6 +74,8 @@ CommandRunner add_follow_options(CLI::App& cmd) {
     for (std::size_t i = 0; i < kNames.size(); ++i) {
         cmd.add_option(kNames[i], options->text[i], kUnits[i])->required();
     }
+    cmd.add_flag("--degrees", options->degrees,
+                 "Bearing and gradient given in decimal degrees instead of radians");
     return [options] { return run_follow(*options); };
 }
 

@@ -79,13 +79,14 @@ bool parse_angle(std::string_view text, bool latitude, double& radians, std::str
         return false;
     }
     const int limit = latitude ? kLatitudeLimit : kLongitudeLimit;
-    const std::string range = latitude ? "a latitude is at most 90 degrees either way"
+    // Built into a message only when the angle is refused: a stream reads millions of angles.
+    const char* const range = latitude ? "a latitude is at most 90 degrees either way"
                                        : "a longitude is at most 180 degrees either way";
     // Plain decimal degrees, the common case of a long stream, read without splitting.
     if (double degrees = 0.0; parse_number(body, degrees)) {
         const bool below = degrees < 0.0 || (degrees == 0.0 && body.front() == '-');
         if (std::fabs(degrees) > limit) {
-            why = "is out of range: " + range;
+            why = std::string("is out of range: ") + range;
             return false;
         }
         radians = _degtorad(std::fabs(degrees));
@@ -133,7 +134,7 @@ bool parse_angle(std::string_view text, bool latitude, double& radians, std::str
             return false;
         }
         if (degrees > limit) {
-            why = "is out of range: " + range;
+            why = std::string("is out of range: ") + range;
             return false;
         }
         radians = _degtorad(degrees);
@@ -148,7 +149,7 @@ bool parse_angle(std::string_view text, bool latitude, double& radians, std::str
             return false;
         }
         if (degrees > limit || (degrees == limit && minutes != 0.0)) {
-            why = "is out of range: " + range;
+            why = std::string("is out of range: ") + range;
             return false;
         }
         const double whole = std::floor(minutes);
@@ -165,7 +166,7 @@ bool parse_angle(std::string_view text, bool latitude, double& radians, std::str
             return false;
         }
         if (degrees > limit || (degrees == limit && (minutes != 0 || seconds != 0.0))) {
-            why = "is out of range: " + range;
+            why = std::string("is out of range: ") + range;
             return false;
         }
         _dmstorad(degrees, minutes, seconds, &radians);
