@@ -4,10 +4,15 @@
 #define QV5_TOOLS_ARGS_H
 
 #include <cstddef>
+#include <numbers>
 #include <string>
 #include <string_view>
 
 namespace qv5::cli {
+
+/// Degrees in a radian, and radians in a degree: the program's one copy of each.
+inline constexpr double kDegreesPerRadian = 180.0 / std::numbers::pi;
+inline constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
 
 /// The minus sign U+2212 in UTF-8. The program reads it as '-': typeset documents use it, and
 /// main() gives it to values such as "-inf" that the option parser would take for options.

@@ -24,8 +24,6 @@
 namespace qv5::cli {
 namespace {
 
-constexpr double kDegreesPerRadian = 180.0 / 3.141592653589793;
-
 struct ConvertOptions {
     std::string calibration_file;
     std::string to;

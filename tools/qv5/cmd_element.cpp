@@ -23,7 +23,6 @@
 namespace qv5::cli {
 namespace {
 
-constexpr double kRadiansPerDegree = std::numbers::pi / 180;
 /// Series and search tolerance for spirals unless --tolerance says otherwise, metres: the one
 /// the library uses for a spiral's end point.
 constexpr double kDefaultTolerance = 1e-5;

@@ -38,7 +38,7 @@ int run_follow(const FollowOptions& options) {
     }
     const geo_nee start{v[0], v[1], v[2]};
     geo_nee end{};
-    const double angle_unit = options.degrees ? std::numbers::pi / 180 : 1.0;
+    const double angle_unit = options.degrees ? kRadiansPerDegree : 1.0;
     geo_grid_follow(start, v[3] * angle_unit, v[4], v[5] * angle_unit, end);
     if (!check_results("follow",
                        {{"north", end.north}, {"east", end.east}, {"elevation", end.elev}},

@@ -1,4 +1,5 @@
 #include "output.h"
+#include "args.h"
 
 #include "qv5/geodef.h"
 
@@ -143,10 +144,6 @@ void write_structured(const nlohmann::ordered_json& answer, std::string_view for
     }
     csv_rows(rows);
 }
-
-namespace {
-constexpr double kDegreesPerRadian = 57.29577951308232;
-} // namespace
 
 nlohmann::json json_degrees(double radians) {
     return radians == GEO_NULL ? nlohmann::json(nullptr)

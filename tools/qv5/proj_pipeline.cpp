@@ -1,4 +1,5 @@
 #include "proj_pipeline.h"
+#include "args.h"
 
 #include <fmt/format.h>
 
@@ -7,7 +8,6 @@
 namespace qv5::cli {
 
 std::string proj_pipeline(CGeoTransformation& t) {
-    constexpr double kDegreesPerRadian = 180.0 / 3.141592653589793;
     const double lat0 = t.OriginLat();
     const double lon0 = t.OriginLon();
     const double n0 = t.OriginNorth();

@@ -1,4 +1,5 @@
 #include "units_output.h"
+#include "args.h"
 
 #include "output.h"
 
@@ -161,7 +162,6 @@ DisplayUnits::DisplayUnits(const OutputOptions& options)
 
 namespace {
 
-constexpr double kDegreesPerRadian = 180.0 / 3.141592653589793;
 /// Decimals of an angle in decimal degrees unless --precision says otherwise: 1e-9 degrees is
 /// about 0.1 mm on the ground.
 constexpr int kDegreeDecimals = 9;
