@@ -24,3 +24,6 @@ file(RELATIVE_PATH QV5_PC_TO_PREFIX
     ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/qv5.pc.in ${PROJECT_BINARY_DIR}/qv5.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qv5.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The licence travels with every installed copy.
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -1,6 +1,9 @@
 // The reader of saved calibrations (JSON) must accept or reject any text without fault; what it
 // accepts is calibrated by the library without fault, and written back it reads the same.
-#include "calibration_file.h"
+#include "calibration_json.h"
+#include "control_points_csv.h"
+#include "conversion_rows.h"
+#include "dms.h"
 
 #include <cstddef>
 #include <cstdint>

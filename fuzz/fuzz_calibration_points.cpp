@@ -1,6 +1,9 @@
 // The readers of control points and of positions to convert must accept or reject any text
 // without fault; accepted points obey the file's rules, and a rejection leaves nothing behind.
-#include "calibration_file.h"
+#include "calibration_json.h"
+#include "control_points_csv.h"
+#include "conversion_rows.h"
+#include "dms.h"
 
 #include <cstddef>
 #include <cstdint>

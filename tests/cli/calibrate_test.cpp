@@ -231,13 +231,16 @@ TEST(QV5Convert, BadArgumentsExitWithTwoOneLineEach) {
     EXPECT_EQ(to.exit_code, 2);
 }
 
-TEST(QV5Convert, BadStandardInputIsRejectedWhole) {
+TEST(QV5Convert, BadStandardInputRowIsReportedAndSkippedAndTheExitIsOne) {
+    // A stream keeps going past a bad row: the good rows are converted, the bad one is named
+    // on standard error and gives no output row, and the exit status says that one was bad.
     TempFile saved("site.json");
     ASSERT_EQ(qv5({"calibrate", kSample, "--save", saved.path()}).exit_code, 0);
-    const auto r = qv5({"convert", "--calibration", saved.path(), "--to", "wgs84"},
+    const auto r = qv5({"convert", "--calibration", saved.path(), "--to", "wgs84", "--csv"},
                        "1000,2000,3\nP,abc,2,3\n");
     EXPECT_EQ(r.exit_code, 1);
-    EXPECT_TRUE(r.out.empty());
+    EXPECT_EQ(count_lines(r.out), 2u) << r.out; // the header and the good row
+    EXPECT_EQ(r.out.find("\nP,"), std::string::npos) << r.out;
     EXPECT_NE(r.err.find("standard input:2: north: 'abc' is not a number"), std::string::npos)
         << r.err;
 }

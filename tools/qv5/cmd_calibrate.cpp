@@ -1,8 +1,14 @@
 // `qv5 calibrate`: a site calibration fitted to control points, its parameters and residuals,
 // and optionally the calibration saved for `qv5 convert`.
-#include "calibration_file.h"
+#include "calibration.h"
+#include "calibration_json.h"
 #include "commands.h"
+#include "control_points_csv.h"
+#include "conversion_rows.h"
+#include "dms.h"
 #include "output.h"
+#include "output_options.h"
+#include "proj_pipeline.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -19,8 +25,7 @@ namespace {
 struct CalibrateOptions {
     std::string points_file;
     std::string save_file;
-    bool json = false;
-    bool raw = false;
+    bool proj = false;
 };
 
 const char* region_name(CGeoStereographic::stereo_Region region) {
@@ -65,6 +70,41 @@ std::string largest_text(int index, const SavedCalibration& saved, const std::st
                       : std::string("none");
 }
 
+/// A point's residuals: the solution's own for the parts of the point it used, and for a part
+/// it did not use but whose known coordinates were given, the same residual measured against
+/// the solution (a check point's).
+struct Residuals {
+    double horizontal = GEO_NULL; ///< the solution's, for a point used horizontally
+    double vertical = GEO_NULL;   ///< the solution's, for a point used vertically
+    double check_horizontal = GEO_NULL;
+    double check_vertical = GEO_NULL;
+};
+
+Residuals residuals_of(CGeoTransformation& t, int i) {
+    const geotrans_CalibrationPoint* p = t.NthPoint(i);
+    Residuals r{p->hResidual, p->vResidual, GEO_NULL, GEO_NULL};
+    const bool used_h = (p->flags & geotrans_UseHorizontal) != 0;
+    const bool used_v = (p->flags & geotrans_UseVertical) != 0;
+    if (used_h && used_v) {
+        return r;
+    }
+    geo_nee computed{};
+    t.Forward(p->llh, computed);
+    if (!used_h && p->nee.north != GEO_NULL && p->nee.east != GEO_NULL &&
+        computed.north != GEO_NULL && computed.east != GEO_NULL) {
+        r.check_horizontal = geo_horz_dist(computed, p->nee);
+    }
+    if (!used_v && p->nee.elev != GEO_NULL && computed.elev != GEO_NULL) {
+        r.check_vertical = geo_vert_dist(computed, p->nee);
+    }
+    return r;
+}
+
+/// A residual column: the solution's residual, or a check residual marked as one.
+std::string residual_text(const std::string& solution, const std::string& check) {
+    return check == "-" ? solution : check + " (check)";
+}
+
 void print_text(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t,
                 const DisplayUnits& show) {
     std::cout << fmt::format("Calibration from {}: {} points ({} horizontal, {} vertical)\n\n",
@@ -83,13 +123,16 @@ void print_text(const std::string& source, const SavedCalibration& saved, CGeoTr
                              "(metres per metre)\n\n",
                              show.height(t.VerticalHeightAdjustment(), 4),
                              fixed(t.VerticalSlopeNorth(), 8), fixed(t.VerticalSlopeEast(), 8));
-    std::cout << fmt::format("{:<16}{:>6}{:>16}{:>16}\n", "Point", "Use", "H residual",
+    std::cout << fmt::format("{:<16}{:>6}{:>24}{:>24}\n", "Point", "Use", "H residual",
                              "V residual");
     for (int i = 0; i < t.NumberOfPoints(); ++i) {
         const geotrans_CalibrationPoint* p = t.NthPoint(i);
-        std::cout << fmt::format("{:<16}{:>6}{:>16}{:>16}\n",
-                                 saved.points[static_cast<std::size_t>(i)].name, use_text(p->flags),
-                                 show.distance(p->hResidual, 4), show.height(p->vResidual, 4));
+        const Residuals r = residuals_of(t, i);
+        std::cout << fmt::format(
+            "{:<16}{:>6}{:>24}{:>24}\n", saved.points[static_cast<std::size_t>(i)].name,
+            use_text(p->flags),
+            residual_text(show.distance(r.horizontal, 4), show.distance(r.check_horizontal, 4)),
+            residual_text(show.height(r.vertical, 4), show.height(r.check_vertical, 4)));
     }
     int index = -1;
     double value = GEO_NULL;
@@ -113,16 +156,20 @@ nlohmann::ordered_json largest(int index, double value, const SavedCalibration& 
 }
 
 void print_json(const std::string& source, const SavedCalibration& saved, CGeoTransformation& t,
-                const DisplayUnits& show) {
+                const DisplayUnits& show, OutputFormat format) {
     nlohmann::ordered_json residuals = nlohmann::ordered_json::array();
     for (int i = 0; i < t.NumberOfPoints(); ++i) {
         const geotrans_CalibrationPoint* p = t.NthPoint(i);
+        const Residuals r = residuals_of(t, i);
         nlohmann::ordered_json row = {{"name", saved.points[static_cast<std::size_t>(i)].name},
-                                      {"horizontal", json_number(p->hResidual)},
-                                      {"vertical", json_number(p->vResidual)}};
+                                      {"use", use_text(p->flags)},
+                                      {"horizontal", json_number(r.horizontal)},
+                                      {"vertical", json_number(r.vertical)},
+                                      {"check_horizontal", json_number(r.check_horizontal)},
+                                      {"check_vertical", json_number(r.check_vertical)}};
         if (!show.raw()) {
-            row["formatted"] = {{"horizontal", show.distance(p->hResidual, 4)},
-                                {"vertical", show.height(p->vResidual, 4)}};
+            row["formatted"] = {{"horizontal", show.distance(r.horizontal, 4)},
+                                {"vertical", show.height(r.vertical, 4)}};
         }
         residuals.push_back(row);
     }
@@ -163,7 +210,7 @@ void print_json(const std::string& source, const SavedCalibration& saved, CGeoTr
             {"height_shift", show.height(t.VerticalHeightAdjustment(), 4)}};
         out["units"] = show.description();
     }
-    std::cout << out.dump(2) << '\n';
+    write_structured(out, format_name(format));
 }
 
 int run_calibrate(const CalibrateOptions& options) {
@@ -188,6 +235,11 @@ int run_calibrate(const CalibrateOptions& options) {
                           : failure_reason(error)));
         return kExitBadData;
     }
+    if (std::string which; !calibration_is_finite(t, which)) {
+        report_error("calibrate: " + options.points_file + ": no calibration: its " + which +
+                     " cannot be computed (not a finite number); nothing was saved");
+        return kExitBadData;
+    }
     if (!options.save_file.empty()) {
         std::ofstream file(options.save_file, std::ios::binary | std::ios::trunc);
         file << calibration_json(saved, t);
@@ -197,9 +249,14 @@ int run_calibrate(const CalibrateOptions& options) {
             return kExitBadData;
         }
     }
-    const DisplayUnits show(options.raw);
-    if (options.json) {
-        print_json(options.points_file, saved, t, show);
+    if (options.proj) {
+        std::cout << proj_pipeline(t) << '\n';
+        return 0;
+    }
+    const DisplayUnits show(output_options());
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        print_json(options.points_file, saved, t, show, format);
     } else {
         print_text(options.points_file, saved, t, show);
         if (!options.save_file.empty()) {
@@ -211,19 +268,22 @@ int run_calibrate(const CalibrateOptions& options) {
 
 } // namespace
 
-CommandRunner add_calibrate_command(CLI::App& app) {
+CommandRunner add_calibrate_options(CLI::App& cmd) {
     auto options = std::make_shared<CalibrateOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "calibrate", "Fit a site calibration to control points (WGS84 and site coordinates) and "
-                     "show its parameters and residuals");
-    cmd->add_option("points", options->points_file,
-                    "Control points, CSV: name,latitude,longitude,height,north,east,elevation,use")
+    cmd.add_option("points", options->points_file,
+                   "Control points, CSV: name,latitude,longitude,height,north,east,elevation,use")
         ->required();
-    cmd->add_option("--save", options->save_file,
-                    "Write the calibration to this JSON file, for 'qv5 convert'");
-    cmd->add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(*cmd, options->raw);
+    cmd.add_option("--save", options->save_file,
+                   "Write the calibration to this JSON file, for 'qv5 convert'");
+    cmd.add_flag("--proj", options->proj,
+                 "Print the calibration as a PROJ pipeline (latitude, longitude in degrees and "
+                 "height in; north, east, elevation out) for cct and other PROJ tools");
     return [options] { return run_calibrate(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("calibrate",
+            "Fit a site calibration to control points (WGS84 and site coordinates) and "
+            "show its parameters and residuals",
+            qv5::cli::add_calibrate_options);

@@ -2,6 +2,7 @@
 // editor, written to a PNG file and/or an SVG file.
 #include "commands.h"
 #include "output.h"
+#include "output_options.h"
 #include "template_file.h"
 
 #include "qv5/qv5lib.h"
@@ -85,17 +86,17 @@ int run_draw(const DrawOptions& o) {
         return kExitBadData;
     }
     if (o.json) {
-        nlohmann::json out = {{"name", t.Name().ToUtf8()},
-                              {"elements", t.NumberElements()},
-                              {"width", width},
-                              {"height", height}};
+        nlohmann::ordered_json out = {{"name", t.Name().ToUtf8()},
+                                      {"elements", t.NumberElements()},
+                                      {"width", width},
+                                      {"height", height}};
         if (!o.png.empty()) {
             out["png"] = o.png;
         }
         if (!o.svg.empty()) {
             out["svg"] = o.svg;
         }
-        std::cout << out.dump(2) << '\n';
+        write_structured(out, format_name(output_options().format()));
         return 0;
     }
     std::cout << fmt::format("Template \"{}\", {} element(s), drawn {}x{}", t.Name().ToUtf8(),
@@ -112,16 +113,20 @@ int run_draw(const DrawOptions& o) {
 
 } // namespace
 
-CommandRunner add_draw_command(CLI::App& app) {
+CommandRunner add_draw_options(CLI::App& command) {
     auto o = std::make_shared<DrawOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "draw", "Draw a cross-section template's picture into a PNG and/or an SVG file");
+    CLI::App* cmd = &command;
     cmd->add_option("file", o->file, "Template file (see docs/template-json.md)")->required();
     cmd->add_option("--png", o->png, "Write the picture to this PNG file");
     cmd->add_option("--svg", o->svg, "Write the picture to this SVG file");
     cmd->add_option("--size", o->size, "Picture size WIDTHxHEIGHT in pixels (default 640x480)");
-    cmd->add_flag("--json", o->json, "Write JSON");
-    return [o] { return run_draw(*o); };
+    return [o] {
+        o->json = output_options().format() != OutputFormat::table;
+        return run_draw(*o);
+    };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("draw", "Draw a cross-section template's picture into a PNG and/or an SVG file",
+            qv5::cli::add_draw_options);

@@ -1,8 +1,9 @@
 // `qv5 element`: one alignment element - a straight, an arc, an entry or an exit spiral - given
 // on the command line, evaluated at a station and offset or inverted for a given point.
+#include "args.h"
 #include "commands.h"
-#include "number_args.h"
 #include "output.h"
+#include "output_options.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -14,6 +15,7 @@
 #include <cmath>
 #include <iostream>
 #include <memory>
+#include <numbers>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,8 +23,6 @@
 namespace qv5::cli {
 namespace {
 
-constexpr double kHalfPi = 1.5707963267948966;
-constexpr double kRadiansPerDegree = 0.017453292519943295;
 /// Series and search tolerance for spirals unless --tolerance says otherwise, metres: the one
 /// the library uses for a spiral's end point.
 constexpr double kDefaultTolerance = 1e-5;
@@ -58,8 +58,6 @@ struct ElementOptions {
     std::string from;
     std::string tolerance;
     bool degrees = false;
-    bool json = false;
-    bool raw = false;
 };
 
 /// The checked values.
@@ -165,14 +163,11 @@ bool is_spiral(Kind kind) {
 }
 
 std::optional<geodef_Direction> direction_of(const std::string& text) {
-    std::string lower;
-    for (char c : text) {
-        lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
-    if (lower == "left" || lower == "l") {
+    const std::string name = lower(text);
+    if (name == "left" || name == "l") {
         return geodef_Left;
     }
-    if (lower == "right" || lower == "r") {
+    if (name == "right" || name == "r") {
         return geodef_Right;
     }
     return std::nullopt;
@@ -253,7 +248,7 @@ bool read_arguments(const ElementOptions& o, Element& element, Query& query) {
 /// The point `offset` metres square to the right of `azimuth` from `on_line`.
 geo_nee square_off(CGeoPoint& on_line, double azimuth, double offset) {
     CGeoLine square;
-    square.Set(on_line, azimuth + kHalfPi, offset, 0.0);
+    square.Set(on_line, azimuth + std::numbers::pi / 2, offset, 0.0);
     return square.EndPt().Grid();
 }
 
@@ -399,21 +394,34 @@ int run_element(const ElementOptions& options) {
         report_error("element: " + why);
         return kExitBadData;
     }
-    const DisplayUnits show(options.raw);
-    if (options.json) {
-        nlohmann::json out = {{"element", name_of(element.kind)},
-                              {"station", json_number(answer.station)},
-                              {"offset", json_number(answer.offset)},
-                              {"azimuth_rad", json_number(answer.azimuth)}};
+    const bool with_elevation = element.start.elev != GEO_NULL;
+    if (!check_results(
+            "element",
+            {{"station", answer.station}, {"offset", answer.offset}, {"azimuth", answer.azimuth}},
+            "the element gives no finite answer there") ||
+        (!query.locate && !check_results("element",
+                                         {{"north", answer.point.north},
+                                          {"east", answer.point.east},
+                                          {"elevation", with_elevation ? answer.point.elev : 0.0}},
+                                         "the element gives no finite answer there"))) {
+        return kExitBadData;
+    }
+    const DisplayUnits show(output_options());
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        nlohmann::ordered_json out = {{"element", name_of(element.kind)},
+                                      {"station", json_number(answer.station)},
+                                      {"offset", json_number(answer.offset)},
+                                      {"azimuth_rad", json_number(answer.azimuth)}};
         if (!query.locate) {
             out["north"] = json_number(answer.point.north);
             out["east"] = json_number(answer.point.east);
             out["elevation"] = json_number(answer.point.elev);
         }
         if (!show.raw()) {
-            nlohmann::json formatted = {{"station", show.station(answer.station, 4)},
-                                        {"offset", show.distance(answer.offset, 4)},
-                                        {"azimuth", show.bearing(answer.azimuth, 9)}};
+            nlohmann::ordered_json formatted = {{"station", show.station(answer.station, 4)},
+                                                {"offset", show.distance(answer.offset, 4)},
+                                                {"azimuth", show.bearing(answer.azimuth, 9)}};
             if (!query.locate) {
                 formatted["north"] = show.distance(answer.point.north, 4);
                 formatted["east"] = show.distance(answer.point.east, 4);
@@ -422,7 +430,7 @@ int run_element(const ElementOptions& options) {
             out["formatted"] = formatted;
             out["units"] = show.description();
         }
-        std::cout << out.dump(2) << '\n';
+        write_structured(out, format_name(format));
         return 0;
     }
     std::cout << describe(element, show) << '\n'
@@ -472,26 +480,26 @@ void add_kind(CLI::App& parent, Kind kind, const char* description,
                     "A point NORTH,EAST[,ELEVATION] to find the station and offset of");
     cmd->add_flag("--degrees", options->degrees,
                   "Azimuth and grade given in decimal degrees instead of radians");
-    cmd->add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(*cmd, options->raw);
+    add_output_options(*cmd);
 }
 
 } // namespace
 
-CommandRunner add_element_command(CLI::App& app) {
+CommandRunner add_element_options(CLI::App& element) {
     auto options = std::make_shared<ElementOptions>();
-    CLI::App* element = app.add_subcommand(
-        "element", "One alignment element: the point at a station and offset, or the station "
-                   "and offset of a point (given in metres and radians; shown in the units chosen "
-                   "with 'qv5 units')");
-    element->require_subcommand(1);
-    add_kind(*element, Kind::Line, "A straight", options);
-    add_kind(*element, Kind::Arc, "A circular arc", options);
-    add_kind(*element, Kind::EntrySpiral, "A transition spiral from a straight onto an arc",
+    element.require_subcommand(1);
+    add_kind(element, Kind::Line, "A straight", options);
+    add_kind(element, Kind::Arc, "A circular arc", options);
+    add_kind(element, Kind::EntrySpiral, "A transition spiral from a straight onto an arc",
              options);
-    add_kind(*element, Kind::ExitSpiral, "A transition spiral from an arc onto a straight",
-             options);
+    add_kind(element, Kind::ExitSpiral, "A transition spiral from an arc onto a straight", options);
     return [options] { return run_element(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("element",
+            "One alignment element: the point at a station and offset, or the station "
+            "and offset of a point (given in metres and radians; shown in the units chosen "
+            "with 'qv5 units')",
+            qv5::cli::add_element_options);

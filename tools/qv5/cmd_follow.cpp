@@ -1,7 +1,8 @@
 // `qv5 follow`: the point reached from a start along a bearing, distance and gradient.
+#include "args.h"
 #include "commands.h"
-#include "number_args.h"
 #include "output.h"
+#include "output_options.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -11,6 +12,7 @@
 #include <array>
 #include <iostream>
 #include <memory>
+#include <numbers>
 
 namespace qv5::cli {
 namespace {
@@ -26,38 +28,37 @@ constexpr std::array<const char*, 6> kUnits = {"metres",
 
 struct FollowOptions {
     std::array<std::string, 6> text;
-    bool json = false;
-    bool raw = false;
+    bool degrees = false;
 };
 
 int run_follow(const FollowOptions& options) {
     std::array<double, 6> v{};
-    bool ok = true;
-    for (std::size_t i = 0; i < kNames.size(); ++i) {
-        if (!parse_number(options.text[i], v[i])) {
-            report_error("follow: " + not_a_number(kNames[i], options.text[i]));
-            ok = false;
-        }
-    }
-    if (!ok) {
+    if (!read_number_arguments("follow", kNames.data(), options.text.data(), v.data(), v.size())) {
         return kExitBadArguments;
     }
     const geo_nee start{v[0], v[1], v[2]};
     geo_nee end{};
-    geo_grid_follow(start, v[3], v[4], v[5], end);
-    const DisplayUnits show(options.raw);
+    const double angle_unit = options.degrees ? kRadiansPerDegree : 1.0;
+    geo_grid_follow(start, v[3] * angle_unit, v[4], v[5] * angle_unit, end);
+    if (!check_results("follow",
+                       {{"north", end.north}, {"east", end.east}, {"elevation", end.elev}},
+                       "the start or the distance is too large")) {
+        return kExitBadData;
+    }
+    const DisplayUnits show(output_options());
     const auto position = show.position(end, 4);
-    if (options.json) {
-        nlohmann::json out = {{"north", json_number(end.north)},
-                              {"east", json_number(end.east)},
-                              {"elevation", json_number(end.elev)}};
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        nlohmann::ordered_json out = {{"north", json_number(end.north)},
+                                      {"east", json_number(end.east)},
+                                      {"elevation", json_number(end.elev)}};
         if (!show.raw()) {
             out["formatted"] = {{"north", show.distance(end.north, 4)},
                                 {"east", show.distance(end.east, 4)},
                                 {"elevation", show.height(end.elev, 4)}};
             out["units"] = show.description();
         }
-        std::cout << out.dump(2) << '\n';
+        write_structured(out, format_name(format));
         return 0;
     }
     for (const auto& [label, text] : position) {
@@ -68,17 +69,19 @@ int run_follow(const FollowOptions& options) {
 
 } // namespace
 
-CommandRunner add_follow_command(CLI::App& app) {
+CommandRunner add_follow_options(CLI::App& cmd) {
     auto options = std::make_shared<FollowOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "follow", "The point at a bearing, horizontal distance and gradient from a start (given in "
-                  "metres and radians; shown in the units chosen with 'qv5 units')");
     for (std::size_t i = 0; i < kNames.size(); ++i) {
-        cmd->add_option(kNames[i], options->text[i], kUnits[i])->required();
+        cmd.add_option(kNames[i], options->text[i], kUnits[i])->required();
     }
-    cmd->add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(*cmd, options->raw);
+    cmd.add_flag("--degrees", options->degrees,
+                 "Bearing and gradient given in decimal degrees instead of radians");
     return [options] { return run_follow(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("follow",
+            "The point at a bearing, horizontal distance and gradient from a start (given in "
+            "metres and radians; shown in the units chosen with 'qv5 units')",
+            qv5::cli::add_follow_options);

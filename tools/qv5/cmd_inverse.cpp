@@ -1,7 +1,8 @@
 // `qv5 inverse`: bearing, distances and gradient from one point to another.
+#include "args.h"
 #include "commands.h"
-#include "number_args.h"
 #include "output.h"
+#include "output_options.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -20,20 +21,11 @@ constexpr std::array<const char*, 6> kNames = {"from_north", "from_east", "from_
 
 struct InverseOptions {
     std::array<std::string, 6> text;
-    bool json = false;
-    bool raw = false;
 };
 
 int run_inverse(const InverseOptions& options) {
     std::array<double, 6> v{};
-    bool ok = true;
-    for (std::size_t i = 0; i < kNames.size(); ++i) {
-        if (!parse_number(options.text[i], v[i])) {
-            report_error("inverse: " + not_a_number(kNames[i], options.text[i]));
-            ok = false;
-        }
-    }
-    if (!ok) {
+    if (!read_number_arguments("inverse", kNames.data(), options.text.data(), v.data(), v.size())) {
         return kExitBadArguments;
     }
     geo_nee from{v[0], v[1], v[2]};
@@ -45,13 +37,23 @@ int run_inverse(const InverseOptions& options) {
     const double slope = line.GridSlopeDistance();
     const double gradient = geo_gradient(from, to);
 
-    const DisplayUnits show(options.raw);
-    if (options.json) {
-        nlohmann::json out = {{"bearing_rad", json_number(bearing)},
-                              {"horizontal_distance_m", json_number(horizontal)},
-                              {"vertical_distance_m", json_number(vertical)},
-                              {"slope_distance_m", json_number(slope)},
-                              {"gradient_rad", json_number(gradient)}};
+    if (!check_results("inverse",
+                       {{"bearing", bearing},
+                        {"horizontal distance", horizontal},
+                        {"vertical distance", vertical},
+                        {"slope distance", slope},
+                        {"gradient", gradient}},
+                       "the points coincide in plan, or their coordinates are too large")) {
+        return kExitBadData;
+    }
+    const DisplayUnits show(output_options());
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        nlohmann::ordered_json out = {{"bearing_rad", json_number(bearing)},
+                                      {"horizontal_distance_m", json_number(horizontal)},
+                                      {"vertical_distance_m", json_number(vertical)},
+                                      {"slope_distance_m", json_number(slope)},
+                                      {"gradient_rad", json_number(gradient)}};
         if (!show.raw()) {
             out["formatted"] = {{"bearing", show.bearing(bearing, 9)},
                                 {"horizontal_distance", show.distance(horizontal, 4)},
@@ -60,7 +62,7 @@ int run_inverse(const InverseOptions& options) {
                                 {"gradient", show.grade(gradient, 9)}};
             out["units"] = show.description();
         }
-        std::cout << out.dump(2) << '\n';
+        write_structured(out, format_name(format));
         return 0;
     }
     std::cout << fmt::format("Bearing              {}\n", show.bearing(bearing, 9))
@@ -74,17 +76,17 @@ int run_inverse(const InverseOptions& options) {
 
 } // namespace
 
-CommandRunner add_inverse_command(CLI::App& app) {
+CommandRunner add_inverse_options(CLI::App& cmd) {
     auto options = std::make_shared<InverseOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "inverse", "Bearing, horizontal, vertical and slope distance, and gradient between two "
-                   "points given in metres; shown in the units chosen with 'qv5 units'");
     for (std::size_t i = 0; i < kNames.size(); ++i) {
-        cmd->add_option(kNames[i], options->text[i], "metres")->required();
+        cmd.add_option(kNames[i], options->text[i], "metres")->required();
     }
-    cmd->add_flag("--json", options->json, "Write JSON");
-    add_raw_flag(*cmd, options->raw);
     return [options] { return run_inverse(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("inverse",
+            "Bearing, horizontal, vertical and slope distance, and gradient between two "
+            "points given in metres; shown in the units chosen with 'qv5 units'",
+            qv5::cli::add_inverse_options);

@@ -2,6 +2,7 @@
 // stationed alignment, the profile, the templates and their applications.
 #include "commands.h"
 #include "output.h"
+#include "output_options.h"
 #include "road_json.h"
 #include "road_text.h"
 #include "units_output.h"
@@ -196,7 +197,7 @@ int run_road(const RoadOptions& options) {
         }
     }
 
-    const DisplayUnits show(options.raw);
+    const DisplayUnits show(output_options());
     CGeoPoint& pob = road.StartPtHorizontal();
     if (options.json) {
         nlohmann::ordered_json out;
@@ -273,7 +274,7 @@ int run_road(const RoadOptions& options) {
         if (!show.raw()) {
             out["units"] = show.description();
         }
-        std::cout << out.dump(2) << '\n';
+        write_structured(out, format_name(output_options().format()));
         return 0;
     }
 
@@ -343,16 +344,12 @@ int run_road(const RoadOptions& options) {
 
 } // namespace
 
-CommandRunner add_road_command(CLI::App& app) {
+CommandRunner add_road_options(CLI::App& command) {
     auto options = std::make_shared<RoadOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "road", "A road read from its JSON description: the stationed alignment, the profile, "
-                "the templates and their applications");
+    CLI::App* cmd = &command;
     cmd->add_option("file", options->file,
                     "Road description (JSON, see docs/road-json.md), road file, or a road file's "
                     "text (told apart by content)");
-    cmd->add_flag("--json", options->json, "Machine-readable output");
-    add_raw_flag(*cmd, options->raw);
     const RoadFileRunner file_commands = add_road_file_commands(*cmd);
     return [options, file_commands]() {
         if (const std::optional<int> code = file_commands()) {
@@ -362,8 +359,15 @@ CommandRunner add_road_command(CLI::App& app) {
             report_error("road: a road file or description is needed (run 'qv5 road --help')");
             return kExitBadArguments;
         }
+        options->json = output_options().format() != OutputFormat::table;
+        options->raw = output_options().raw;
         return run_road(*options);
     };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("road",
+            "A road read from its JSON description: the stationed alignment, the profile, "
+            "the templates and their applications",
+            qv5::cli::add_road_options);

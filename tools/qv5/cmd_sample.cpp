@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "job_file.h"
 #include "output.h"
+#include "output_options.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -21,8 +22,6 @@ constexpr const char* kSampleFileName = "sample-observations.csv";
 
 struct SampleOptions {
     std::string data_file;
-    bool json = false;
-    bool raw = false;
 };
 
 /// The bundled job: beside an installed program, else in the source tree it was built from.
@@ -100,8 +99,9 @@ void print_text(const std::string& source, const Job& job, CGeoLine& straight,
 }
 
 void print_json(const std::string& source, const Job& job, CGeoLine& straight,
-                const std::vector<ShotResult>& results, const DisplayUnits& show) {
-    nlohmann::json out;
+                const std::vector<ShotResult>& results, const DisplayUnits& show,
+                OutputFormat format) {
+    nlohmann::ordered_json out;
     out["job"] = source;
     const JobStation& st = *job.station;
     out["station"] = {{"name", st.name},
@@ -123,16 +123,16 @@ void print_json(const std::string& source, const Job& job, CGeoLine& straight,
                                         {"length", show.distance(straight.GridHDistance(), 3)},
                                         {"grade", show.grade(straight.GeoidGrade(), 6)}};
     }
-    nlohmann::json points = nlohmann::json::array();
+    nlohmann::ordered_json points = nlohmann::ordered_json::array();
     for (const ShotResult& r : results) {
-        nlohmann::json point = {{"name", r.name},
-                                {"north", json_number(r.grid.north)},
-                                {"east", json_number(r.grid.east)},
-                                {"elevation", json_number(r.grid.elev)},
-                                {"station", json_number(r.station)},
-                                {"offset", json_number(r.offset)},
-                                {"design_elevation", json_number(r.design_elevation)},
-                                {"above_design", json_number(r.above_design)}};
+        nlohmann::ordered_json point = {{"name", r.name},
+                                        {"north", json_number(r.grid.north)},
+                                        {"east", json_number(r.grid.east)},
+                                        {"elevation", json_number(r.grid.elev)},
+                                        {"station", json_number(r.station)},
+                                        {"offset", json_number(r.offset)},
+                                        {"design_elevation", json_number(r.design_elevation)},
+                                        {"above_design", json_number(r.above_design)}};
         if (!show.raw()) {
             point["formatted"] = {{"north", show.distance(r.grid.north, 3)},
                                   {"east", show.distance(r.grid.east, 3)},
@@ -145,7 +145,7 @@ void print_json(const std::string& source, const Job& job, CGeoLine& straight,
         points.push_back(point);
     }
     out["points"] = points;
-    std::cout << out.dump(2) << '\n';
+    write_structured(out, format_name(format));
 }
 
 int run_sample(const SampleOptions& options) {
@@ -173,9 +173,10 @@ int run_sample(const SampleOptions& options) {
     for (const JobShot& shot : job.shots) {
         results.push_back(place_shot(shot, instrument, straight));
     }
-    const DisplayUnits show(options.raw);
-    if (options.json) {
-        print_json(path.string(), job, straight, results, show);
+    const DisplayUnits show(output_options());
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        print_json(path.string(), job, straight, results, show, format);
     } else {
         print_text(path.string(), job, straight, results, show);
     }
@@ -184,12 +185,10 @@ int run_sample(const SampleOptions& options) {
 
 } // namespace
 
-CommandRunner add_sample_command(CLI::App& app) {
+CommandRunner add_sample_options(CLI::App& app) {
     auto options = std::make_shared<SampleOptions>();
     app.add_option("--data", options->data_file,
                    "Job file to run instead of the bundled sample (see docs/cli.md)");
-    app.add_flag("--json", options->json, "Write JSON instead of a table");
-    add_raw_flag(app, options->raw);
     return [options] { return run_sample(*options); };
 }
 

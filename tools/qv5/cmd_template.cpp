@@ -1,9 +1,10 @@
 // `qv5 template`: a cross-section template read from a JSON file - its chain, its shoulder,
 // and the design height or side-slope catch point at an offset; optionally the blend of two
 // templates.
+#include "args.h"
 #include "commands.h"
-#include "number_args.h"
 #include "output.h"
+#include "output_options.h"
 #include "template_file.h"
 #include "units_output.h"
 
@@ -159,15 +160,15 @@ bool load(const std::string& path, CGeoTemplate& t) {
     return true;
 }
 
-nlohmann::json chain_json(const std::vector<ChainRow>& rows) {
-    nlohmann::json out = nlohmann::json::array();
+nlohmann::ordered_json chain_json(const std::vector<ChainRow>& rows) {
+    nlohmann::ordered_json out = nlohmann::ordered_json::array();
     for (const ChainRow& r : rows) {
-        nlohmann::json e = {{"type", template_type_name(r.type)},
-                            {"start_h", r.start_h},
-                            {"start_v", r.start_v},
-                            {"end_h", r.end_h},
-                            {"end_v", r.end_v},
-                            {"angle_rad", json_number(r.angle)}};
+        nlohmann::ordered_json e = {{"type", template_type_name(r.type)},
+                                    {"start_h", r.start_h},
+                                    {"start_v", r.start_v},
+                                    {"end_h", r.end_h},
+                                    {"end_v", r.end_v},
+                                    {"angle_rad", json_number(r.angle)}};
         if (r.type == geotemp_Feature) {
             e["name"] = r.feature;
         }
@@ -210,9 +211,9 @@ int run_template(const TemplateOptions& o) {
             return kExitBadData;
         }
     }
-    const DisplayUnits show(o.raw);
+    const DisplayUnits show(output_options());
     if (o.json) {
-        nlohmann::json out = {
+        nlohmann::ordered_json out = {
             {"name", evaluated.Name().ToUtf8()},
             {"elements", chain_json(rows)},
             {"shoulder", {{"h", evaluated.HOffsetShoulder()}, {"v", evaluated.VOffsetShoulder()}}}};
@@ -220,10 +221,10 @@ int run_template(const TemplateOptions& o) {
             out["ratio"] = *q.ratio;
         }
         if (q.offset) {
-            nlohmann::json at = {{"offset", *q.offset},
-                                 {"on_side_slope", a.on_slope},
-                                 {"design_height", json_number(a.design)},
-                                 {"angle_rad", json_number(a.angle)}};
+            nlohmann::ordered_json at = {{"offset", *q.offset},
+                                         {"on_side_slope", a.on_slope},
+                                         {"design_height", json_number(a.design)},
+                                         {"angle_rad", json_number(a.angle)}};
             if (q.ground) {
                 at["ground_height"] = *q.ground;
                 at["ground_above_design"] = json_number(a.delta);
@@ -239,9 +240,9 @@ int run_template(const TemplateOptions& o) {
             out["shoulder"]["formatted"] = {{"h", show.distance(evaluated.HOffsetShoulder(), 3)},
                                             {"v", show.height(evaluated.VOffsetShoulder(), 3)}};
             if (q.offset) {
-                nlohmann::json formatted = {{"offset", show.distance(*q.offset, 3)},
-                                            {"design_height", show.height(a.design, 3)},
-                                            {"angle", show.grade(a.angle, 3)}};
+                nlohmann::ordered_json formatted = {{"offset", show.distance(*q.offset, 3)},
+                                                    {"design_height", show.height(a.design, 3)},
+                                                    {"angle", show.grade(a.angle, 3)}};
                 if (q.ground) {
                     formatted["ground_above_design"] = show.height(a.delta, 3);
                 }
@@ -252,7 +253,7 @@ int run_template(const TemplateOptions& o) {
             }
             out["units"] = show.description();
         }
-        std::cout << out.dump(2) << '\n';
+        write_structured(out, format_name(output_options().format()));
         return 0;
     }
     std::cout << fmt::format("Template \"{}\", {} element(s)\n", evaluated.Name().ToUtf8(),
@@ -300,12 +301,9 @@ int run_template(const TemplateOptions& o) {
 
 } // namespace
 
-CommandRunner add_template_command(CLI::App& app) {
+CommandRunner add_template_options(CLI::App& command) {
     auto o = std::make_shared<TemplateOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "template", "A cross-section template from a JSON file (metres, decimal degrees): its "
-                    "chain and shoulder, and the design height or side-slope catch point at an "
-                    "offset");
+    CLI::App* cmd = &command;
     cmd->add_option("file", o->file, "Template file (see docs/template-json.md)")->required();
     cmd->add_option("--offset", o->offset, "Offset outward from the centreline, metres");
     cmd->add_option("--ground-height", o->ground,
@@ -313,9 +311,17 @@ CommandRunner add_template_command(CLI::App& app) {
     cmd->add_option("--blend", o->blend, "A second, similar template file to blend toward");
     cmd->add_option("--ratio", o->ratio,
                     "With --blend: 0 gives the first template, 1 the second (not clamped)");
-    cmd->add_flag("--json", o->json, "Write JSON");
-    add_raw_flag(*cmd, o->raw);
-    return [o] { return run_template(*o); };
+    return [o] {
+        o->json = output_options().format() != OutputFormat::table;
+        o->raw = output_options().raw;
+        return run_template(*o);
+    };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("template",
+            "A cross-section template from a JSON file (metres, decimal degrees): its "
+            "chain and shoulder, and the design height or side-slope catch point at an "
+            "offset",
+            qv5::cli::add_template_options);

@@ -2,6 +2,7 @@
 // kUnitsKey, where every subcommand that prints quantities reads them.
 #include "commands.h"
 #include "output.h"
+#include "output_options.h"
 #include "units_output.h"
 
 #include <fmt/format.h>
@@ -13,7 +14,6 @@ namespace qv5::cli {
 namespace {
 
 struct UnitsOptions {
-    bool json = false;
     std::string kind;
     std::string value;
 };
@@ -32,12 +32,13 @@ std::string key_text() {
     return "HKEY_LOCAL_MACHINE\\" + CString(kUnitsKey).ToUtf8();
 }
 
-int show_units(const UnitsOptions& options) {
+int show_units() {
     const CQuantityUnits units{CString(kUnitsKey)};
-    if (options.json) {
-        nlohmann::json out;
+    const OutputFormat format = output_options().format();
+    if (format != OutputFormat::table) {
+        nlohmann::ordered_json out;
         out["key"] = key_text();
-        nlohmann::json choices = nlohmann::json::object();
+        nlohmann::ordered_json choices = nlohmann::ordered_json::object();
         for (const UnitKind& kind : unit_kinds()) {
             const int row = (units.*kind.get)();
             choices[std::string(kind.name)] = {
@@ -48,7 +49,20 @@ int show_units(const UnitsOptions& options) {
                 {"settable", kind.set != nullptr}};
         }
         out["units"] = choices;
-        std::cout << out.dump(2) << '\n';
+        if (format == OutputFormat::csv) {
+            // One row per kind of unit.
+            nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+            for (auto it = choices.begin(); it != choices.end(); ++it) {
+                rows.push_back({{"kind", it.key()},
+                                {"value", (*it)["value"]},
+                                {"row", (*it)["row"]},
+                                {"name", (*it)["name"]},
+                                {"settable", (*it)["settable"]}});
+            }
+            write_structured({{"units", rows}}, "csv");
+            return 0;
+        }
+        write_structured(out, format_name(format));
         return 0;
     }
     std::cout << "Unit choices (" << key_text() << ")\n\n";
@@ -90,6 +104,14 @@ int set_unit(const UnitsOptions& options) {
         report_error("units: the settings store could not be written (see $QV5_REGISTRY)");
         return kExitBadData;
     }
+    if (const OutputFormat format = output_options().format(); format != OutputFormat::table) {
+        write_structured({{"kind", std::string(kind->name)},
+                          {"value", std::string(kind->values.at(static_cast<std::size_t>(*row)))},
+                          {"row", *row},
+                          {"name", display_name(*kind, *row)}},
+                         format_name(format));
+        return 0;
+    }
     std::cout << fmt::format("{} set to {} ({})\n", kind->name,
                              kind->values.at(static_cast<std::size_t>(*row)),
                              display_name(*kind, *row));
@@ -98,13 +120,10 @@ int set_unit(const UnitsOptions& options) {
 
 } // namespace
 
-CommandRunner add_units_command(CLI::App& app) {
+CommandRunner add_units_options(CLI::App& cmd) {
     auto options = std::make_shared<UnitsOptions>();
-    CLI::App* cmd = app.add_subcommand(
-        "units", "Show the units quantities are shown in, or change one with 'units set'");
-    cmd->add_flag("--json", options->json, "Write JSON");
-    cmd->require_subcommand(0, 1);
-    CLI::App* set = cmd->add_subcommand("set", "Change one unit choice; it is kept for later runs");
+    cmd.require_subcommand(0, 1);
+    CLI::App* set = cmd.add_subcommand("set", "Change one unit choice; it is kept for later runs");
     set->add_option("kind", options->kind,
                     "horizontal-distance, vertical-distance, length, angles, bearings, grade, "
                     "stationing, area, volume or coords")
@@ -113,7 +132,11 @@ CommandRunner add_units_command(CLI::App& app) {
                     "a value name (e.g. metres, us-survey-feet), the display name or the row "
                     "number")
         ->required();
-    return [options, set] { return set->parsed() ? set_unit(*options) : show_units(*options); };
+    add_output_options(*set);
+    return [options, set] { return set->parsed() ? set_unit(*options) : show_units(); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("units", "Show the units quantities are shown in, or change one with 'units set'",
+            qv5::cli::add_units_options);

@@ -1,5 +1,24 @@
-// The subcommands of the qv5 program. Each registers itself on the application and runs when
-// chosen; `run` returns the process exit code.
+// The subcommands of the qv5 program, and how one joins it.
+//
+// Each subcommand lives in its own file, cmd_<name>.cpp, and registers itself with ONE line at
+// the end of that file (outside any namespace):
+//
+//     QV5_COMMAND("inverse", "Bearing and distances between two points", add_inverse_options);
+//
+// `add_inverse_options` has the signature `qv5::cli::CommandRunner (CLI::App& cmd)`: it adds
+// the command's arguments and options to `cmd` (already created with that name and help text)
+// and returns what runs when the command is chosen, giving the process exit status. Nothing
+// else is edited to add a command: main() creates every registered command, in name order,
+// parses the arguments and runs the one chosen. The cmd_*.cpp files must be linked into the
+// program itself (not a static library), or the linker drops their registrations.
+//
+// main() also adds the output and input options to every command (--csv, --json, --jsonl, --raw,
+// --precision, --angle-format, --units, --delimiter, --strict, --progress; see
+// output_options.h): a command does not add them itself, and reads them with output_options().
+// It shows quantities with `DisplayUnits show(output_options());`, writes a single answer built
+// as JSON with write_structured() when the format is not the table, and checks its answers with
+// check_results() (a non-finite or null answer: "cannot be computed", exit status 1). A command
+// that takes rows streams them as cmd_convert.cpp does (LineSource, FieldSplitter, BlockWriter).
 #ifndef QV5_TOOLS_COMMANDS_H
 #define QV5_TOOLS_COMMANDS_H
 
@@ -7,38 +26,49 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace qv5::cli {
 
-/// What a registered command runs once the arguments are parsed.
+/// What a registered command runs once the arguments are parsed; returns the exit status.
 using CommandRunner = std::function<int()>;
 
-/// The default job: the bundled (or a given) job file reduced and checked against its straight.
-CommandRunner add_sample_command(CLI::App& app);
-/// `inverse`: bearing, distances and gradient between two points.
-CommandRunner add_inverse_command(CLI::App& app);
-/// `follow`: the point at a bearing, distance and gradient from a start.
-CommandRunner add_follow_command(CLI::App& app);
-/// `calibrate`: a site calibration fitted to control points.
-CommandRunner add_calibrate_command(CLI::App& app);
-/// `convert`: WGS84 to grid and back through a saved calibration.
-CommandRunner add_convert_command(CLI::App& app);
-/// `element`: one line, arc or spiral evaluated at a station and offset, or inverted for a point.
-CommandRunner add_element_command(CLI::App& app);
-/// `units`: the user's unit choices, shown and set.
-CommandRunner add_units_command(CLI::App& app);
-/// `template`: a cross-section template's chain, and its design height or catch at an offset.
-CommandRunner add_template_command(CLI::App& app);
-/// `draw`: a cross-section template's picture written to PNG and/or SVG.
-CommandRunner add_draw_command(CLI::App& app);
-/// `road`: a road read from its JSON description or its road file, stationed and listed;
-/// `road convert` between the forms, `road name` from a road file's header.
-CommandRunner add_road_command(CLI::App& app);
+/// Adds a command's arguments and options to its (sub)command and returns its runner.
+using CommandSetup = CommandRunner (*)(CLI::App& cmd);
+
+/// One registered subcommand.
+struct CommandEntry {
+    const char* name;
+    const char* help;
+    CommandSetup setup;
+};
+
+/// Every registered subcommand, in the order they registered.
+std::vector<CommandEntry>& command_registry();
+
+/// Registers a subcommand when the program starts (see QV5_COMMAND).
+struct CommandRegistrar {
+    CommandRegistrar(const char* name, const char* help, CommandSetup setup) {
+        command_registry().push_back({name, help, setup});
+    }
+};
+
 /// What the road file subcommands run: their exit code, or nothing when none was chosen.
 using RoadFileRunner = std::function<std::optional<int>()>;
 /// `road convert` and `road name`, added to the `road` command.
 RoadFileRunner add_road_file_commands(CLI::App& road);
 
+/// The default job, run when no subcommand is given: its options go on the program itself.
+CommandRunner add_sample_options(CLI::App& app);
+
 } // namespace qv5::cli
+
+#define QV5_COMMAND_JOIN2(a, b) a##b
+#define QV5_COMMAND_JOIN(a, b) QV5_COMMAND_JOIN2(a, b)
+/// Registers a subcommand: QV5_COMMAND("name", "help", setup_function);
+#define QV5_COMMAND(name, help, setup)                                                             \
+    static const ::qv5::cli::CommandRegistrar QV5_COMMAND_JOIN(qv5_command_, __LINE__) {           \
+        name, help, setup                                                                          \
+    }
 
 #endif

@@ -5,14 +5,6 @@
 
 namespace qv5::cli {
 
-std::string_view trim(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 std::vector<std::string_view> split_fields(std::string_view line) {
     std::vector<std::string_view> fields;
     std::size_t start = 0;

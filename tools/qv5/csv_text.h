@@ -3,6 +3,8 @@
 #ifndef QV5_TOOLS_CSV_TEXT_H
 #define QV5_TOOLS_CSV_TEXT_H
 
+#include "args.h"
+
 #include <functional>
 #include <string>
 #include <string_view>
@@ -15,9 +17,6 @@ struct JobError {
     int line; ///< line number in the file, from 1; 0 for the file as a whole
     std::string message;
 };
-
-/// The text without leading and trailing blanks (spaces, tabs, carriage returns).
-std::string_view trim(std::string_view text);
 
 /// The comma-separated fields of a line, untrimmed; an empty line has one empty field.
 std::vector<std::string_view> split_fields(std::string_view line);

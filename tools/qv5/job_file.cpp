@@ -1,6 +1,6 @@
 #include "job_file.h"
 
-#include "number_args.h"
+#include "args.h"
 
 #include "qv5/geosurvey.h"
 

@@ -1,31 +1,87 @@
 // qv5: the library's command-line program. With no arguments it runs the bundled sample job.
+#include "args.h"
 #include "commands.h"
 #include "output.h"
+#include "output_options.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cstring>
 #include <exception>
-#include <iostream>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace qv5::cli {
+
+std::vector<CommandEntry>& command_registry() {
+    static std::vector<CommandEntry> registry;
+    return registry;
+}
+
+} // namespace qv5::cli
+
+namespace {
+
+/// Whether an argument is a negative value the option parser would take for an option: "-inf",
+/// "-nan", "-.5". (Arguments such as "-5" it already reads as values.)
+bool negative_value(std::string_view arg) {
+    if (arg.size() < 2 || arg[0] != '-' || arg[1] == '-') {
+        return false;
+    }
+    const std::string word = qv5::cli::lower(arg.substr(1));
+    return word == "inf" || word == "infinity" || word == "nan" || arg[1] == '.';
+}
+
+/// Where the manual is installed beside this program: PREFIX/share/man/man1/qv5.1.
+std::string man_page_path() {
+    std::error_code error;
+    const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error) {
+        return QV5_INSTALL_MAN_PAGE;
+    }
+    return (exe.parent_path().parent_path() / QV5_INSTALL_MAN_PAGE).lexically_normal().string();
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     using namespace qv5::cli;
-    CLI::App app{"qv5 - survey and road-design computations with QV5lib", "qv5"};
+    CLI::App app{"qv5 - survey and road-design computations with QV5lib.\n"
+                 "Every command writes a readable table, or --csv, --json or --jsonl. The manual: "
+                 "'man qv5', installed as " +
+                     man_page_path() + ".",
+                 "qv5"};
     app.set_version_flag("--version", QV5_VERSION);
     app.require_subcommand(0, 1);
 
-    const CommandRunner sample = add_sample_command(app);
-    const CommandRunner inverse = add_inverse_command(app);
-    const CommandRunner follow = add_follow_command(app);
-    const CommandRunner calibrate = add_calibrate_command(app);
-    const CommandRunner convert = add_convert_command(app);
-    const CommandRunner element = add_element_command(app);
-    const CommandRunner units = add_units_command(app);
-    const CommandRunner templ = add_template_command(app);
-    const CommandRunner draw = add_draw_command(app);
-    const CommandRunner road = add_road_command(app);
+    const CommandRunner sample = add_sample_options(app);
+    add_output_options(app);
+    std::vector<CommandEntry> entries = command_registry();
+    std::sort(entries.begin(), entries.end(), [](const CommandEntry& a, const CommandEntry& b) {
+        return std::strcmp(a.name, b.name) < 0;
+    });
+    std::vector<std::pair<CLI::App*, CommandRunner>> commands;
+    for (const CommandEntry& entry : entries) {
+        CLI::App* cmd = app.add_subcommand(entry.name, entry.help);
+        commands.emplace_back(cmd, entry.setup(*cmd));
+        add_output_options(*cmd);
+    }
 
+    // Negative values that look like options reach the commands with a minus sign (U+2212)
+    // in place of the hyphen, which every reader of numbers takes for '-'.
+    std::vector<std::string> args;
+    for (int i = argc - 1; i > 0; --i) {
+        args.emplace_back(argv[i]);
+        if (negative_value(args.back())) {
+            args.back() = std::string(kMinusSign) + args.back().substr(1);
+        }
+    }
     try {
-        app.parse(argc, argv);
+        app.parse(args);
     } catch (const CLI::CallForHelp& e) {
         return app.exit(e);
     } catch (const CLI::CallForAllHelp& e) {
@@ -37,33 +93,15 @@ int main(int argc, char** argv) {
         return kExitBadArguments;
     }
 
+    if (const std::string bad = check_output_options(output_options()); !bad.empty()) {
+        report_error(bad + " (run 'qv5 --help' for usage)");
+        return kExitBadArguments;
+    }
     try {
-        if (app.got_subcommand("inverse")) {
-            return inverse();
-        }
-        if (app.got_subcommand("follow")) {
-            return follow();
-        }
-        if (app.got_subcommand("calibrate")) {
-            return calibrate();
-        }
-        if (app.got_subcommand("convert")) {
-            return convert();
-        }
-        if (app.got_subcommand("element")) {
-            return element();
-        }
-        if (app.got_subcommand("units")) {
-            return units();
-        }
-        if (app.got_subcommand("draw")) {
-            return draw();
-        }
-        if (app.got_subcommand("template")) {
-            return templ();
-        }
-        if (app.got_subcommand("road")) {
-            return road();
+        for (const auto& [cmd, run] : commands) {
+            if (cmd->parsed()) {
+                return run();
+            }
         }
         return sample();
     } catch (const std::exception& e) {

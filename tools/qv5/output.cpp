@@ -1,30 +1,149 @@
 #include "output.h"
+#include "args.h"
 
 #include "qv5/geodef.h"
 
 #include <fmt/format.h>
 
-#include <iostream>
+#include "text_stream.h"
+
+#include <cmath>
+#include <cstdio>
 
 namespace qv5::cli {
+
+std::string without_negative_zero(std::string text) {
+    if (text.empty() || text.front() != '-') {
+        return text;
+    }
+    for (const char c : text) {
+        if (c >= '1' && c <= '9') {
+            return text;
+        }
+    }
+    text.erase(0, 1);
+    return text;
+}
 
 std::string fixed(double value, int decimals) {
     if (value == GEO_NULL) {
         return "-";
     }
-    return fmt::format("{:.{}f}", value, decimals);
+    return without_negative_zero(fmt::format("{:.{}f}", value, decimals));
+}
+
+std::string escape_control(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7f) {
+            out += fmt::format("\\x{:02x}", byte);
+        } else {
+            out += c;
+        }
+    }
+    return out;
 }
 
 nlohmann::json json_number(double value) {
     if (value == GEO_NULL) {
         return nullptr;
     }
-    return value;
+    return value == 0.0 ? 0.0 : value; // never negative zero
+}
+
+bool check_results(std::string_view command,
+                   std::initializer_list<std::pair<const char*, double>> results,
+                   std::string_view reason) {
+    bool ok = true;
+    for (const auto& [name, value] : results) {
+        if (value == GEO_NULL || !std::isfinite(value)) {
+            std::string message = std::string(command) + ": the " + name + " cannot be computed";
+            if (!reason.empty()) {
+                message += " (" + std::string(reason) + ")";
+            }
+            report_error(message);
+            ok = false;
+        }
+    }
+    return ok;
 }
 
 namespace {
-constexpr double kDegreesPerRadian = 57.29577951308232;
+
+using Flat = std::vector<std::pair<std::string, const nlohmann::ordered_json*>>;
+
+void flatten(const nlohmann::ordered_json& value, const std::string& prefix, Flat& out) {
+    for (auto it = value.begin(); it != value.end(); ++it) {
+        const std::string key = prefix.empty() ? it.key() : prefix + "." + it.key();
+        if (it->is_object()) {
+            flatten(*it, key, out);
+        } else if (!it->is_array()) {
+            out.emplace_back(key, &*it);
+        }
+    }
+}
+
+void csv_value(fmt::memory_buffer& out, const nlohmann::ordered_json& value) {
+    if (value.is_number()) {
+        append_number(out, value.get<double>());
+    } else if (value.is_string()) {
+        append_csv_field(out, value.get<std::string>());
+    } else if (value.is_boolean()) {
+        out.append(std::string_view(value.get<bool>() ? "true" : "false"));
+    }
+}
+
+void csv_rows(const std::vector<Flat>& rows) {
+    fmt::memory_buffer out;
+    for (std::size_t i = 0; i < rows.front().size(); ++i) {
+        if (i > 0) {
+            out.push_back(',');
+        }
+        append_csv_field(out, rows.front()[i].first);
+    }
+    out.push_back('\n');
+    for (const Flat& row : rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            if (i > 0) {
+                out.push_back(',');
+            }
+            csv_value(out, *row[i].second);
+        }
+        out.push_back('\n');
+    }
+    std::fwrite(out.data(), 1, out.size(), stdout);
+}
+
 } // namespace
+
+void write_structured(const nlohmann::ordered_json& answer, std::string_view format) {
+    if (format == "json") {
+        const std::string text = answer.dump(2) + "\n";
+        std::fwrite(text.data(), 1, text.size(), stdout);
+        return;
+    }
+    if (format == "jsonl") {
+        const std::string text = answer.dump() + "\n";
+        std::fwrite(text.data(), 1, text.size(), stdout);
+        return;
+    }
+    std::vector<Flat> rows;
+    for (auto it = answer.begin(); it != answer.end() && rows.empty(); ++it) {
+        if (it->is_array() && !it->empty() && it->front().is_object()) {
+            for (const auto& element : *it) {
+                rows.emplace_back();
+                flatten(element, "", rows.back());
+            }
+        }
+    }
+    if (rows.empty()) {
+        rows.emplace_back();
+        flatten(answer, "", rows.back());
+    }
+    csv_rows(rows);
+}
 
 nlohmann::json json_degrees(double radians) {
     return radians == GEO_NULL ? nlohmann::json(nullptr)
@@ -32,7 +151,8 @@ nlohmann::json json_degrees(double radians) {
 }
 
 void report_error(const std::string& message) {
-    std::cerr << "qv5: " << message << '\n';
+    const std::string line = "qv5: " + escape_control(message) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
 void report_file_errors(const std::string& source, const std::vector<JobError>& errors,

@@ -1,8 +1,11 @@
 #include "units_output.h"
+#include "args.h"
 
 #include "output.h"
 
 #include <fmt/format.h>
+
+#include <cmath>
 
 namespace qv5::cli {
 namespace {
@@ -34,7 +37,7 @@ std::string formatted(double value, Format format) {
         return "-";
     }
     unsigned short buffer[CQuantityUnits::kFormatBufferSize] = {};
-    return utf8(format(buffer));
+    return without_negative_zero(utf8(format(buffer)));
 }
 
 } // namespace
@@ -133,34 +136,159 @@ DisplayUnits::DisplayUnits(bool raw) {
     }
 }
 
+DisplayUnits::DisplayUnits(const OutputOptions& options)
+    : m_precision(options.precision), m_angles(options.angles()) {
+    if (options.raw) {
+        return;
+    }
+    // The saved choices are read, then copied into units kept away from the store, so that
+    // this run's --units never reach the saved settings.
+    m_units.emplace(CString());
+    {
+        const CQuantityUnits saved{CString(kUnitsKey)};
+        for (const UnitKind& kind : unit_kinds()) {
+            if (kind.set != nullptr) {
+                (*m_units.*kind.set)((saved.*kind.get)());
+            }
+        }
+    }
+    for (const auto& [name, row] : options.unit_overrides()) {
+        const UnitKind* kind = find_unit_kind(name);
+        if (kind != nullptr && kind->set != nullptr && row >= 0) {
+            (*m_units.*kind->set)(row);
+        }
+    }
+}
+
+namespace {
+
+/// Decimals of an angle in decimal degrees unless --precision says otherwise: 1e-9 degrees is
+/// about 0.1 mm on the ground.
+constexpr int kDegreeDecimals = 9;
+constexpr int kSecondsDecimals = 5;
+
+/// Degrees, minutes and seconds of a magnitude in degrees, rounded to `decimals` of a second.
+std::string dms_text(double degrees, int decimals) {
+    const double scale = std::pow(10.0, decimals);
+    const double total = std::round(std::fabs(degrees) * 3600.0 * scale);
+    const double whole_seconds = std::floor(total / scale);
+    const double fraction = total - whole_seconds * scale;
+    const long long s = static_cast<long long>(whole_seconds);
+    const std::string seconds =
+        decimals > 0
+            ? fmt::format("{:02d}.{:0{}d}", s % 60, static_cast<long long>(fraction), decimals)
+            : fmt::format("{:02d}", s % 60);
+    return fmt::format("{}\u00b0{:02d}'{}\"", s / 3600, (s / 60) % 60, seconds);
+}
+
+} // namespace
+
+std::string DisplayUnits::angle_text(double radians, int raw_decimals, char positive,
+                                     char negative) const {
+    if (radians == GEO_NULL) {
+        return "-";
+    }
+    switch (m_angles) {
+    case AngleFormat::degrees:
+        return fixed(radians * kDegreesPerRadian,
+                     m_precision >= 0 ? m_precision : kDegreeDecimals) +
+               "\u00b0";
+    case AngleFormat::radians:
+        return fixed(radians, m_precision >= 0 ? m_precision : raw_decimals) + " rad";
+    case AngleFormat::dms: {
+        const std::string body = dms_text(radians * kDegreesPerRadian,
+                                          m_precision >= 0 ? m_precision : kSecondsDecimals);
+        if (positive != 0) {
+            return (radians < 0.0 ? negative : positive) + body;
+        }
+        return radians < 0.0 ? "-" + body : body;
+    }
+    case AngleFormat::units:
+        break;
+    }
+    return fixed(radians, raw_decimals) + " rad";
+}
+
+double DisplayUnits::plain_distance(double metres) const {
+    return raw() || metres == GEO_NULL ? metres : m_units->MetresToHDistance(metres);
+}
+
+double DisplayUnits::plain_height(double metres) const {
+    return raw() || metres == GEO_NULL ? metres : m_units->MetresToVDistance(metres);
+}
+
+double DisplayUnits::plain_angle(double radians) const {
+    if (radians == GEO_NULL) {
+        return radians;
+    }
+    const bool in_radians =
+        m_angles == AngleFormat::radians || (raw() && m_angles == AngleFormat::units);
+    return in_radians ? radians : radians * kDegreesPerRadian;
+}
+
+namespace {
+
+const char* distance_unit_suffix(int row) {
+    static const char* const kSuffixes[] = {"m", "usft", "ft"};
+    return row >= 0 && row < 3 ? kSuffixes[row] : "m";
+}
+
+} // namespace
+
+std::string DisplayUnits::distance_suffix() const {
+    return raw() ? "m" : distance_unit_suffix(m_units->HorizontalDistance());
+}
+
+std::string DisplayUnits::height_suffix() const {
+    return raw() ? "m" : distance_unit_suffix(m_units->VerticalDistance());
+}
+
+std::string DisplayUnits::angle_suffix() const {
+    const bool in_radians =
+        m_angles == AngleFormat::radians || (raw() && m_angles == AngleFormat::units);
+    return in_radians ? "rad" : "deg";
+}
+
 std::string DisplayUnits::distance(double metres, int raw_decimals) const {
     if (raw()) {
-        return metres == GEO_NULL ? "-" : fixed(metres, raw_decimals) + " m";
+        return metres == GEO_NULL
+                   ? "-"
+                   : fixed(metres, m_precision >= 0 ? m_precision : raw_decimals) + " m";
     }
     return formatted(metres, [&](unsigned short* b) {
-        return m_units->FormatHDistance(metres, m_units->HDistPrecision(), b);
+        return m_units->FormatHDistance(
+            metres, m_precision >= 0 ? m_precision : m_units->HDistPrecision(), b);
     });
 }
 
 std::string DisplayUnits::height(double metres, int raw_decimals) const {
     if (raw()) {
-        return metres == GEO_NULL ? "-" : fixed(metres, raw_decimals) + " m";
+        return metres == GEO_NULL
+                   ? "-"
+                   : fixed(metres, m_precision >= 0 ? m_precision : raw_decimals) + " m";
     }
     return formatted(metres, [&](unsigned short* b) {
-        return m_units->FormatVDistance(metres, m_units->VDistPrecision(), b);
+        return m_units->FormatVDistance(
+            metres, m_precision >= 0 ? m_precision : m_units->VDistPrecision(), b);
     });
 }
 
 std::string DisplayUnits::station(double metres, int raw_decimals) const {
     if (raw()) {
-        return metres == GEO_NULL ? "-" : fixed(metres, raw_decimals) + " m";
+        return metres == GEO_NULL
+                   ? "-"
+                   : fixed(metres, m_precision >= 0 ? m_precision : raw_decimals) + " m";
     }
     return formatted(metres, [&](unsigned short* b) {
-        return m_units->FormatStationing(metres, m_units->HDistPrecision(), b);
+        return m_units->FormatStationing(
+            metres, m_precision >= 0 ? m_precision : m_units->HDistPrecision(), b);
     });
 }
 
 std::string DisplayUnits::bearing(double radians, int raw_decimals) const {
+    if (m_angles != AngleFormat::units) {
+        return angle_text(radians, raw_decimals, 0, 0);
+    }
     if (raw()) {
         return radians == GEO_NULL ? "-" : fixed(radians, raw_decimals) + " rad";
     }
@@ -178,6 +306,9 @@ std::string DisplayUnits::grade(double radians, int raw_decimals) const {
 }
 
 std::string DisplayUnits::angle(double radians, int raw_decimals) const {
+    if (m_angles != AngleFormat::units) {
+        return angle_text(radians, raw_decimals, 0, 0);
+    }
     if (raw()) {
         return radians == GEO_NULL ? "-" : fixed(radians, raw_decimals) + " rad";
     }
@@ -185,6 +316,9 @@ std::string DisplayUnits::angle(double radians, int raw_decimals) const {
 }
 
 std::string DisplayUnits::latitude(double radians, int raw_decimals) const {
+    if (m_angles != AngleFormat::units) {
+        return angle_text(radians, raw_decimals, 'N', 'S');
+    }
     if (raw()) {
         return radians == GEO_NULL ? "-" : fixed(radians, raw_decimals) + " rad";
     }
@@ -193,6 +327,9 @@ std::string DisplayUnits::latitude(double radians, int raw_decimals) const {
 }
 
 std::string DisplayUnits::longitude(double radians, int raw_decimals) const {
+    if (m_angles != AngleFormat::units) {
+        return angle_text(radians, raw_decimals, 'E', 'W');
+    }
     if (raw()) {
         return radians == GEO_NULL ? "-" : fixed(radians, raw_decimals) + " rad";
     }
@@ -202,7 +339,14 @@ std::string DisplayUnits::longitude(double radians, int raw_decimals) const {
 
 std::array<std::pair<std::string, std::string>, 3> DisplayUnits::position(const geo_nee& point,
                                                                           int raw_decimals) const {
-    if (raw()) {
+    if (raw() || m_precision >= 0) {
+        const int order = raw() ? 0 : m_units->Coords();
+        if (order == units_EastNorthElev || order == units_XYZ) {
+            const bool xyz = order == units_XYZ;
+            return {{{xyz ? "X" : "East", distance(point.east, raw_decimals)},
+                     {xyz ? "Y" : "North", distance(point.north, raw_decimals)},
+                     {xyz ? "Z" : "Elevation", height(point.elev, raw_decimals)}}};
+        }
         return {{{"North", distance(point.north, raw_decimals)},
                  {"East", distance(point.east, raw_decimals)},
                  {"Elevation", height(point.elev, raw_decimals)}}};
@@ -253,11 +397,6 @@ nlohmann::json DisplayUnits::description() const {
         }
     }
     return out;
-}
-
-void add_raw_flag(CLI::App& command, bool& raw) {
-    command.add_flag("--raw", raw,
-                     "Show plain metres and radians instead of the units chosen with 'qv5 units'");
 }
 
 } // namespace qv5::cli

@@ -18,6 +18,8 @@
 #ifndef QV5_TOOLS_UNITS_OUTPUT_H
 #define QV5_TOOLS_UNITS_OUTPUT_H
 
+#include "output_options.h"
+
 #include "qv5/qv5lib.h"
 
 #include <CLI/CLI.hpp>
@@ -70,6 +72,9 @@ public:
     ///        user's units, read from the settings store (which is created with the library's
     ///        defaults on first use)
     explicit DisplayUnits(bool raw);
+    /// The run's choices: --raw, --units (applied to a copy: the saved choices are only read),
+    /// --precision and --angle-format. The options must have passed check_output_options.
+    explicit DisplayUnits(const OutputOptions& options);
 
     bool raw() const { return !m_units.has_value(); }
     /// The user's units; only when not raw.
@@ -91,6 +96,18 @@ public:
     std::array<std::pair<std::string, std::string>, 3> position(const geo_nee& point,
                                                                 int raw_decimals) const;
 
+    /// Plain numbers for CSV and JSON Lines: distances and heights in the chosen units (metres
+    /// when raw), angles in decimal degrees (radians when raw or with --angle-format rad).
+    double plain_distance(double metres) const;
+    double plain_height(double metres) const;
+    double plain_angle(double radians) const;
+    /// Decimals of plain distances: --precision, else -1 (every digit that tells the number).
+    int precision() const { return m_precision; }
+    /// The column-name suffix of plain distances and angles: "m", "usft", "ft"; "deg", "rad".
+    std::string distance_suffix() const;
+    std::string height_suffix() const;
+    std::string angle_suffix() const;
+
     /// Sentences naming the units in use, for the foot of a table (one line raw, two lines
     /// otherwise, without a final line end).
     std::string legend() const;
@@ -98,11 +115,12 @@ public:
     nlohmann::json description() const;
 
 private:
-    std::optional<CQuantityUnits> m_units;
-};
+    std::string angle_text(double radians, int raw_decimals, char positive, char negative) const;
 
-/// Adds --raw to a subcommand.
-void add_raw_flag(CLI::App& command, bool& raw);
+    std::optional<CQuantityUnits> m_units;
+    int m_precision = -1;
+    AngleFormat m_angles = AngleFormat::units;
+};
 
 } // namespace qv5::cli
 

@@ -1,7 +1,10 @@
 // Reading the program's calibration files: control points (CSV), saved calibrations (JSON) and
 // positions to convert (CSV). Every bad line is reported and a file with any error is rejected
 // whole.
-#include "calibration_file.h"
+#include "calibration_json.h"
+#include "control_points_csv.h"
+#include "conversion_rows.h"
+#include "dms.h"
 
 #include <gtest/gtest.h>
 
