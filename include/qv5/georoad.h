@@ -35,24 +35,24 @@ enum georoad_Error {
 
 /// The kind of point a nearest-point search snapped to ("spiral" means either spiral type).
 enum georoad_HorzTransitionType {
-    georoad_TransNone = 0,            ///< no snap, or snapped to the start station
-    georoad_TransLineArc = 1,         ///< line followed by arc
-    georoad_TransArcLine = 2,         ///< arc followed by line
-    georoad_TransLineSpiral = 3,      ///< line followed by spiral
-    georoad_TransSpiralLine = 4,      ///< spiral followed by line
-    georoad_TransSpiralSpiral = 5,    ///< spiral followed by spiral
-    georoad_TransArcArc = 6,          ///< arc followed by arc
-    georoad_TransSpiralArc = 7,       ///< spiral followed by arc
-    georoad_TransArcSpiral = 8,       ///< arc followed by spiral
-    georoad_TransStationInterval = 9  ///< an even station (multiple of the station interval)
+    georoad_TransNone = 0,           ///< no snap, or snapped to the start station
+    georoad_TransLineArc = 1,        ///< line followed by arc
+    georoad_TransArcLine = 2,        ///< arc followed by line
+    georoad_TransLineSpiral = 3,     ///< line followed by spiral
+    georoad_TransSpiralLine = 4,     ///< spiral followed by line
+    georoad_TransSpiralSpiral = 5,   ///< spiral followed by spiral
+    georoad_TransArcArc = 6,         ///< arc followed by arc
+    georoad_TransSpiralArc = 7,      ///< spiral followed by arc
+    georoad_TransArcSpiral = 8,      ///< arc followed by spiral
+    georoad_TransStationInterval = 9 ///< an even station (multiple of the station interval)
 };
 
 /// Kind of a profile element (point of vertical intersection, PVI).
 enum georoad_VertElementType {
-    georoad_VertPoint = 0,     ///< `CGeoVertPoint`: a grade break
-    georoad_VertParabola = 1,  ///< `CGeoVertSymParabola`: symmetric parabolic curve
-    georoad_VertCircular = 2,  ///< `CGeoVertCircular`: circular curve
-    georoad_NoVertical = 3     ///< returned by NthVerticalType past the last PVI
+    georoad_VertPoint = 0,    ///< `CGeoVertPoint`: a grade break
+    georoad_VertParabola = 1, ///< `CGeoVertSymParabola`: symmetric parabolic curve
+    georoad_VertCircular = 2, ///< `CGeoVertCircular`: circular curve
+    georoad_NoVertical = 3    ///< returned by NthVerticalType past the last PVI
 };
 
 /// One horizontal element of the alignment, in alignment order.
@@ -73,17 +73,17 @@ struct VertElementRecord {
     georoad_VertElementType type; ///< kind of `element`
     /// Owned element object: `CGeoVertPoint`, `CGeoVertSymParabola` or `CGeoVertCircular`.
     void* element;
-    double station;          ///< PVI station
-    double elevation;        ///< PVI elevation
-    double curveStart;       ///< curve start station (a point: its station)
-    double curveEnd;         ///< curve end station; undefined while a curve is the last PVI
-    double curveStartElev;   ///< grade-line elevation at the curve start
-    double curveEndElev;     ///< grade-line elevation at the curve end (a point: elevation)
-    double gradeIn;          ///< grade from the previous PVI; undefined for the first
-    double gradeOut;         ///< grade to the next PVI; undefined for the last
-    double curveRate;        ///< parabola: rate of grade change; circular: the radius
-    double meanGrade;        ///< (grade in + grade out) / 2, curves only
-    double curveElevAtPVI;   ///< the curve's elevation at the PVI station, curves only
+    double station;        ///< PVI station
+    double elevation;      ///< PVI elevation
+    double curveStart;     ///< curve start station (a point: its station)
+    double curveEnd;       ///< curve end station; undefined while a curve is the last PVI
+    double curveStartElev; ///< grade-line elevation at the curve start
+    double curveEndElev;   ///< grade-line elevation at the curve end (a point: elevation)
+    double gradeIn;        ///< grade from the previous PVI; undefined for the first
+    double gradeOut;       ///< grade to the next PVI; undefined for the last
+    double curveRate;      ///< parabola: rate of grade change; circular: the radius
+    double meanGrade;      ///< (grade in + grade out) / 2, curves only
+    double curveElevAtPVI; ///< the curve's elevation at the PVI station, curves only
 };
 
 /// One template application: from `station` on, on `side`, use template `templateIndex`.
@@ -276,6 +276,35 @@ public:
     /// 1 when the road has at least one template application.
     int IsAUsefulSurface() const;
 
+    // Nearest-point and station searches. They bind a CGeoRoadIterator (georoaditer.h), which in
+    // turn starts from FindStationWithClosestOffset: the road and its iterator call each other,
+    // in road/road_search.cpp and road/road_iterator.cpp only. Any number of threads may search
+    // one road at once while nobody edits it.
+
+    /// Snaps the station of a point near the centreline to a significant station: the road
+    /// start, an element transition or an even station (transitions win over even stations).
+    /// @param pt measured point (3-D grid)
+    /// @param tolerance metres: largest offset, and largest distance to the significant station
+    /// @param[out] station the significant station, written as described for the result
+    /// @param[out] type what the station is
+    /// @return 1 when station and type were set to a snapped station, else 0 (between two lines
+    ///         the transition station is written although the result is 0 unless an even
+    ///         station was also found)
+    int FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station,
+                          georoad_HorzTransitionType& type);
+    /// The centreline station whose perpendicular passes closest to a point, over every
+    /// horizontal element.
+    /// @param pt measured point (grid)
+    /// @param[out] offset offset of the point at that station (1e100 when none was found)
+    /// @param d tolerance handed to the spirals' station search, metres
+    /// @param[out] element optional: index of the element found, -1 if none
+    /// @return the station, or `GEO_NULL`
+    double FindStationWithClosestOffset(CGeoPoint& pt, double& offset, double d, int* element);
+    /// First station with a full three-dimensional road surface: the greater of the road's
+    /// (horizontal or vertical) start and the first template application.
+    /// @return metres, or `GEO_NULL` without template applications
+    double Min3DStationing();
+
 protected:
     /// Stores start stations from element `first` on (from the record's own start station, or
     /// from the road start station when first is 0) and the road end station; sets the
@@ -292,23 +321,23 @@ protected:
     /// copy cannot be allocated (the road still shares).
     int OwnArrays();
 
-    double m_startStation;   ///< station of the point of beginning
-    double m_startAzimuth;   ///< entry azimuth of the first element
-    CGeoPoint m_startPt;     ///< point of beginning
-    double m_stationInterval; ///< spacing of even stations
+    double m_startStation;             ///< station of the point of beginning
+    double m_startAzimuth;             ///< entry azimuth of the first element
+    CGeoPoint m_startPt;               ///< point of beginning
+    double m_stationInterval;          ///< spacing of even stations
     HorzElementRecord* m_horzElements; ///< horizontal records (malloc'd, grown one at a time)
     int m_numHorzElements;             ///< number of horizontal records
     VertElementRecord* m_vertElements; ///< profile records (malloc'd, grown one at a time)
     int m_numVertElements;             ///< number of profile records
     TemplateApplicationRecord* m_templateApplications; ///< application records (malloc'd)
     int m_numTemplateApplications;                     ///< number of applications
-    CGeoTemplate* m_templates; ///< template library (new[], replaced on add and delete)
-    int m_numTemplates;        ///< number of templates
-    CString m_name;            ///< road name
-    CString m_filePath;        ///< file last read or written
-    double m_endStation;       ///< station at the end of the last element
-    CGeoPoint m_endPt;         ///< end of the last element
-    double m_endAzimuth;       ///< exit azimuth of the last element
+    CGeoTemplate* m_templates;     ///< template library (new[], replaced on add and delete)
+    int m_numTemplates;            ///< number of templates
+    CString m_name;                ///< road name
+    CString m_filePath;            ///< file last read or written
+    double m_endStation;           ///< station at the end of the last element
+    CGeoPoint m_endPt;             ///< end of the last element
+    double m_endAzimuth;           ///< exit azimuth of the last element
     double m_startStationVertical; ///< first station of the profile
     double m_endStationVertical;   ///< last station of the profile
     int m_modified;                ///< nonzero when changed since last read or written

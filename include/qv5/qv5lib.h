@@ -15,6 +15,7 @@
 #include "qv5/geomatrix.h"
 #include "qv5/geopoint.h"
 #include "qv5/georoad.h"
+#include "qv5/georoaditer.h"
 #include "qv5/geosection.h"
 #include "qv5/geospiral.h"
 #include "qv5/geostereo.h"
