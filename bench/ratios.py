@@ -13,6 +13,16 @@ BASELINES = {
     "BM_CGeoEntrySpiral_GridDeltas_ExactGuess_Right": "BM_CGeoEntrySpiral_GridHorzPoint",
     "BM_CGeoEntrySpiral_GridDeltas_PoorGuess_Right": "BM_CGeoEntrySpiral_GridHorzPoint",
     "BM_CGeoEntrySpiral_GridDeltas_PoorGuess_Left": "BM_CGeoEntrySpiral_GridHorzPoint",
+    # The road iterator: a walking surveyor beside one point of the element under the point,
+    # the surface under it beside its positioning alone, a cold start beside one inversion.
+    "BM_Iterator_Walk_Line": "BM_Iterator_Walk_Line_GridHorzPoint",
+    "BM_Iterator_Walk_Arc": "BM_Iterator_Walk_Arc_GridHorzPoint",
+    "BM_Iterator_Walk_Spiral": "BM_Iterator_Walk_Spiral_GridHorzPoint",
+    "BM_Iterator_Intersection": "BM_Iterator_Intersection_CenterlineDeltas",
+    "BM_Iterator_ColdStart/10": "BM_Iterator_ColdStart_LineInversion",
+    "BM_Iterator_ColdStart/100": "BM_Iterator_ColdStart_LineInversion",
+    "BM_Iterator_ColdStart/1000": "BM_Iterator_ColdStart_LineInversion",
+    "BM_Iterator_ColdStart/10000": "BM_Iterator_ColdStart_LineInversion",
     "BM_CQuantityUnits_Destroy": "BM_CQuantityUnits_Construct_Bare",
     "BM_CQuantityUnits_DestroyChanged": "BM_CQuantityUnits_Construct_Bare",
     # The geodesy (bench_geodesy) is timed beside PROJ doing the same work.
