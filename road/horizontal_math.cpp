@@ -68,8 +68,7 @@ bool is_usable_shape(georoad_HorzElementType type, const ElementShape& shape) {
     if (type == georoad_Line) {
         return true;
     }
-    const bool known_direction =
-        shape.direction == geodef_Left || shape.direction == geodef_Right;
+    const bool known_direction = shape.direction == geodef_Left || shape.direction == geodef_Right;
     return known_direction && is_value(shape.radius) && shape.radius > 0.0;
 }
 
@@ -156,12 +155,12 @@ void set_element(georoad_HorzElementType type, void* element, CGeoPoint& start, 
                                             shape.direction, station);
         break;
     case georoad_EntrySpiral:
-        static_cast<CGeoEntrySpiral*>(element)->Set(start, azimuth, shape.direction,
-                                                    shape.radius, shape.length);
+        static_cast<CGeoEntrySpiral*>(element)->Set(start, azimuth, shape.direction, shape.radius,
+                                                    shape.length);
         break;
     case georoad_ExitSpiral:
-        static_cast<CGeoExitSpiral*>(element)->Set(start, azimuth, shape.direction,
-                                                   shape.radius, shape.length);
+        static_cast<CGeoExitSpiral*>(element)->Set(start, azimuth, shape.direction, shape.radius,
+                                                   shape.length);
         break;
     default:
         break;
@@ -228,8 +227,7 @@ ChainState chain_elements(HorzElementRecord* records, int count, int first, int 
             state.azimuth = shape.entryAzimuth;
             record.startAzimuth = shape.entryAzimuth;
         }
-        set_element(record.type, record.element, state.point, state.azimuth, shape,
-                    state.station);
+        set_element(record.type, record.element, state.point, state.azimuth, shape, state.station);
         state.point = element_end_point(record.type, record.element);
         state.azimuth = element_exit_azimuth(record.type, record.element);
         state.station += element_length(record.type, record.element);

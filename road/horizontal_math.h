@@ -12,9 +12,9 @@ bool is_element_type(int type);
 
 /// The defining values of an element, read through its class.
 struct ElementShape {
-    double entryAzimuth; ///< line: GridAzimuth; others: EntryAzimuth
-    double length;       ///< line: GridHDistance; arc: GridArcLength; spirals: Length
-    double radius;       ///< arcs and spirals; `GEO_NULL` for a line
+    double entryAzimuth;        ///< line: GridAzimuth; others: EntryAzimuth
+    double length;              ///< line: GridHDistance; arc: GridArcLength; spirals: Length
+    double radius;              ///< arcs and spirals; `GEO_NULL` for a line
     geodef_Direction direction; ///< arcs and spirals; geodef_Right for a line
 };
 

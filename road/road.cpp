@@ -42,9 +42,9 @@ RoadArrays arrays_of(HorzElementRecord* horz, int numHorz, VertElementRecord* ve
 
 CGeoRoad::CGeoRoad()
     : m_startStation(0.0), m_startAzimuth(GEO_NULL), m_stationInterval(GEO_NULL),
-      m_horzElements(nullptr), m_numHorzElements(0), m_vertElements(nullptr),
-      m_numVertElements(0), m_templateApplications(nullptr), m_numTemplateApplications(0),
-      m_templates(nullptr), m_numTemplates(0), m_endStation(0.0), m_endAzimuth(GEO_NULL),
+      m_horzElements(nullptr), m_numHorzElements(0), m_vertElements(nullptr), m_numVertElements(0),
+      m_templateApplications(nullptr), m_numTemplateApplications(0), m_templates(nullptr),
+      m_numTemplates(0), m_endStation(0.0), m_endAzimuth(GEO_NULL),
       m_startStationVertical(GEO_NULL), m_endStationVertical(GEO_NULL), m_modified(0),
       m_storage(nullptr) {
     m_name.Empty();
@@ -58,10 +58,9 @@ CGeoRoad::CGeoRoad(const CGeoRoad& other)
       m_horzElements(other.m_horzElements), m_numHorzElements(other.m_numHorzElements),
       m_vertElements(other.m_vertElements), m_numVertElements(other.m_numVertElements),
       m_templateApplications(other.m_templateApplications),
-      m_numTemplateApplications(other.m_numTemplateApplications),
-      m_templates(other.m_templates), m_numTemplates(other.m_numTemplates),
-      m_name(other.m_name), m_filePath(other.m_filePath), m_endStation(other.m_endStation),
-      m_endPt(other.m_endPt), m_endAzimuth(other.m_endAzimuth),
+      m_numTemplateApplications(other.m_numTemplateApplications), m_templates(other.m_templates),
+      m_numTemplates(other.m_numTemplates), m_name(other.m_name), m_filePath(other.m_filePath),
+      m_endStation(other.m_endStation), m_endPt(other.m_endPt), m_endAzimuth(other.m_endAzimuth),
       m_startStationVertical(other.m_startStationVertical),
       m_endStationVertical(other.m_endStationVertical), m_modified(other.m_modified),
       m_storage(nullptr) {
@@ -100,8 +99,7 @@ CGeoRoad::~CGeoRoad() {
 void CGeoRoad::ReleaseArrays() {
     RoadArrays arrays =
         arrays_of(m_horzElements, m_numHorzElements, m_vertElements, m_numVertElements,
-                  m_templateApplications, m_numTemplateApplications, m_templates,
-                  m_numTemplates);
+                  m_templateApplications, m_numTemplateApplications, m_templates, m_numTemplates);
     m_horzElements = nullptr;
     m_numHorzElements = 0;
     m_vertElements = nullptr;
@@ -133,8 +131,7 @@ int CGeoRoad::OwnArrays() {
     RoadArrays own;
     RoadArrays shared =
         arrays_of(m_horzElements, m_numHorzElements, m_vertElements, m_numVertElements,
-                  m_templateApplications, m_numTemplateApplications, m_templates,
-                  m_numTemplates);
+                  m_templateApplications, m_numTemplateApplications, m_templates, m_numTemplates);
     if (!copy_road_arrays(shared, own)) {
         return 0;
     }
@@ -178,8 +175,8 @@ void CGeoRoad::operator=(CGeoRoad& source) {
         if (application.templateIndex < 0 || application.templateIndex >= m_numTemplates) {
             continue; // an application left pointing past the library has no name to re-add
         }
-        AddTemplateApplication(m_templates[application.templateIndex].Name(),
-                               application.station, application.side);
+        AddTemplateApplication(m_templates[application.templateIndex].Name(), application.station,
+                               application.side);
     }
     m_modified = 1;
 }
@@ -237,8 +234,7 @@ void CGeoRoad::SetPOBInfo(double station, double north, double east, double inte
         m_startStation = station;
         UpdateStationing(0);
     }
-    if (m_startPt.Ok2DGrid() != 0 &&
-        std::fabs(north - m_startPt.Northing()) < kPositionTolerance &&
+    if (m_startPt.Ok2DGrid() != 0 && std::fabs(north - m_startPt.Northing()) < kPositionTolerance &&
         std::fabs(east - m_startPt.Easting()) < kPositionTolerance) {
         return;
     }
@@ -308,8 +304,8 @@ int CGeoRoad::GrowHorizontal() {
     if (m_numHorzElements == INT_MAX) {
         return 0;
     }
-    void* grown = std::realloc(m_horzElements,
-                               sizeof(HorzElementRecord) * (std::size_t(m_numHorzElements) + 1));
+    void* grown =
+        grow_records(m_horzElements, std::size_t(m_numHorzElements), sizeof(HorzElementRecord));
     if (grown == nullptr) {
         return 0;
     }
@@ -356,8 +352,7 @@ int CGeoRoad::AddHorizontal(georoad_HorzElementType type, void* element) {
     return 1;
 }
 
-int CGeoRoad::InsertHorizontal(int n, georoad_HorzElementType type, void* element,
-                               int tangent) {
+int CGeoRoad::InsertHorizontal(int n, georoad_HorzElementType type, void* element, int tangent) {
     if (n < 0 || n >= m_numHorzElements || !is_element_type(type) || element == nullptr) {
         return 0;
     }
@@ -428,8 +423,8 @@ int CGeoRoad::DeleteNthHorizontal(int n, int tangent) {
         std::free(m_horzElements);
         m_horzElements = nullptr;
     } else {
-        void* shrunk =
-            std::realloc(m_horzElements, sizeof(HorzElementRecord) * std::size_t(m_numHorzElements));
+        void* shrunk = std::realloc(m_horzElements,
+                                    sizeof(HorzElementRecord) * std::size_t(m_numHorzElements));
         if (shrunk != nullptr) { // a failed shrink keeps the larger block
             m_horzElements = static_cast<HorzElementRecord*>(shrunk);
         }
@@ -497,9 +492,8 @@ int CGeoRoad::CopyHorizontal(CGeoRoad const* source) {
     return 1;
 }
 
-int CGeoRoad::NextLikelyHorizontal(georoad_HorzElementType& type, double& station,
-                                   CGeoPoint& start, double& azimuth, double& radius,
-                                   geodef_Direction& direction) {
+int CGeoRoad::NextLikelyHorizontal(georoad_HorzElementType& type, double& station, CGeoPoint& start,
+                                   double& azimuth, double& radius, geodef_Direction& direction) {
     station = m_endStation;
     azimuth = m_endAzimuth;
     start = m_endPt;

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <malloc.h>
 #include <new>
 
 namespace qv5::detail {
@@ -34,8 +35,7 @@ void* clone_vertical_element(georoad_VertElementType type, void* element) {
     case georoad_VertPoint:
         return new (std::nothrow) CGeoVertPoint(*static_cast<CGeoVertPoint*>(element));
     case georoad_VertParabola:
-        return new (std::nothrow)
-            CGeoVertSymParabola(*static_cast<CGeoVertSymParabola*>(element));
+        return new (std::nothrow) CGeoVertSymParabola(*static_cast<CGeoVertSymParabola*>(element));
     case georoad_VertCircular:
         return new (std::nothrow) CGeoVertCircular(*static_cast<CGeoVertCircular*>(element));
     default:
@@ -107,6 +107,18 @@ void read_vertical_element(georoad_VertElementType type, void* element, double& 
     }
 }
 
+void* grow_records(void* records, std::size_t count, std::size_t record_size) {
+    const std::size_t needed = (count + 1) * record_size;
+    if (records != nullptr && malloc_usable_size(records) >= needed) {
+        return records;
+    }
+    std::size_t size = needed;
+    if (count >= 8) {
+        size = needed + (count / 2) * record_size; // half as much again
+    }
+    return std::realloc(records, size);
+}
+
 void free_horizontal_records(HorzElementRecord* records, int count) {
     for (int i = 0; i < count; ++i) {
         delete_element(records[i].type, records[i].element);
@@ -121,14 +133,12 @@ void free_vertical_records(VertElementRecord* records, int count) {
     std::free(records);
 }
 
-HorzElementRecord* copy_horizontal_records(const HorzElementRecord* records, int count,
-                                           bool& ok) {
+HorzElementRecord* copy_horizontal_records(const HorzElementRecord* records, int count, bool& ok) {
     ok = true;
     if (count <= 0 || records == nullptr) {
         return nullptr;
     }
-    auto* copy =
-        static_cast<HorzElementRecord*>(std::malloc(sizeof(HorzElementRecord) * count));
+    auto* copy = static_cast<HorzElementRecord*>(std::malloc(sizeof(HorzElementRecord) * count));
     if (copy == nullptr) {
         ok = false;
         return nullptr;
@@ -154,8 +164,7 @@ VertElementRecord* copy_vertical_records(const VertElementRecord* records, int c
     if (count <= 0 || records == nullptr) {
         return nullptr;
     }
-    auto* copy =
-        static_cast<VertElementRecord*>(std::malloc(sizeof(VertElementRecord) * count));
+    auto* copy = static_cast<VertElementRecord*>(std::malloc(sizeof(VertElementRecord) * count));
     if (copy == nullptr) {
         ok = false;
         return nullptr;

@@ -5,6 +5,7 @@
 #include "qv5/georoad.h"
 
 #include <atomic>
+#include <cstddef>
 
 namespace qv5::detail {
 
@@ -35,12 +36,17 @@ bool copy_road_arrays(const RoadArrays& source, RoadArrays& copy);
 
 /// A deep copy of a horizontal record list; null (and nothing allocated) when an allocation
 /// fails or the count is 0.
-HorzElementRecord* copy_horizontal_records(const HorzElementRecord* records, int count,
-                                           bool& ok);
+HorzElementRecord* copy_horizontal_records(const HorzElementRecord* records, int count, bool& ok);
 /// A deep copy of a profile record list, as copy_horizontal_records.
 VertElementRecord* copy_vertical_records(const VertElementRecord* records, int count, bool& ok);
 /// A new template array holding copies of `count` templates; null when the allocation fails.
 CGeoTemplate* copy_templates(const CGeoTemplate* templates, int count, bool& ok);
+
+/// Makes room in a malloc'd record array for `count` + 1 records, moving it if it must grow.
+/// The block grows geometrically behind the count, so that appending n records one at a time
+/// moves the array O(log n) times, not n times.
+/// @return the array (possibly moved), or null when it cannot grow (the old block is kept)
+void* grow_records(void* records, std::size_t count, std::size_t record_size);
 
 /// Releases the element objects of a horizontal record list and the list.
 void free_horizontal_records(HorzElementRecord* records, int count);

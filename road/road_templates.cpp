@@ -92,9 +92,8 @@ int CGeoRoad::AddTemplateApplication(CString name, double station, geodef_RoadSi
     if (index < 0 || m_numTemplateApplications == INT_MAX || OwnArrays() == 0) {
         return 0;
     }
-    void* grown = std::realloc(m_templateApplications,
-                               sizeof(TemplateApplicationRecord) *
-                                   (std::size_t(m_numTemplateApplications) + 1));
+    void* grown = grow_records(m_templateApplications, std::size_t(m_numTemplateApplications),
+                               sizeof(TemplateApplicationRecord));
     if (grown == nullptr) {
         return 0;
     }
@@ -123,8 +122,7 @@ int CGeoRoad::GetNthTemplateApplication(int n, CString& name, double& station,
     return 1;
 }
 
-int CGeoRoad::SetNthTemplateApplication(int n, CString name, double station,
-                                        geodef_RoadSide side) {
+int CGeoRoad::SetNthTemplateApplication(int n, CString name, double station, geodef_RoadSide side) {
     if (n < 0 || n >= m_numTemplateApplications) {
         return 0;
     }
@@ -145,14 +143,16 @@ int CGeoRoad::DeleteNthTemplateApplication(int n) {
         return 0;
     }
     std::memmove(m_templateApplications + n, m_templateApplications + n + 1,
-                 sizeof(TemplateApplicationRecord) * std::size_t(m_numTemplateApplications - n - 1));
+                 sizeof(TemplateApplicationRecord) *
+                     std::size_t(m_numTemplateApplications - n - 1));
     --m_numTemplateApplications;
     if (m_numTemplateApplications == 0) {
         std::free(m_templateApplications);
         m_templateApplications = nullptr;
     } else {
-        void* shrunk = std::realloc(m_templateApplications, sizeof(TemplateApplicationRecord) *
-                                                                std::size_t(m_numTemplateApplications));
+        void* shrunk =
+            std::realloc(m_templateApplications, sizeof(TemplateApplicationRecord) *
+                                                     std::size_t(m_numTemplateApplications));
         if (shrunk != nullptr) {
             m_templateApplications = static_cast<TemplateApplicationRecord*>(shrunk);
         }

@@ -22,8 +22,8 @@ void report(georoad_Error* error, georoad_Error code) {
 
 } // namespace
 
-int CGeoRoad::ValidateVertical(int previous, int next, georoad_VertElementType type,
-                               double station, double length) const {
+int CGeoRoad::ValidateVertical(int previous, int next, georoad_VertElementType type, double station,
+                               double length) const {
     const VertElementRecord* before = previous >= 0 ? &m_vertElements[previous] : nullptr;
     const VertElementRecord* after =
         next >= 0 && next < m_numVertElements ? &m_vertElements[next] : nullptr;
@@ -48,8 +48,8 @@ int CGeoRoad::AddVertical(georoad_VertElementType type, double station, double e
         report(error, georoad_MemoryError);
         return 0;
     }
-    void* grown = std::realloc(m_vertElements,
-                               sizeof(VertElementRecord) * (std::size_t(m_numVertElements) + 1));
+    void* grown =
+        grow_records(m_vertElements, std::size_t(m_numVertElements), sizeof(VertElementRecord));
     if (grown == nullptr) {
         delete_vertical_element(type, element);
         report(error, georoad_MemoryError);
@@ -62,8 +62,8 @@ int CGeoRoad::AddVertical(georoad_VertElementType type, double station, double e
     return 1;
 }
 
-int CGeoRoad::InsertVertical(int n, georoad_VertElementType type, double station,
-                             double elevation, double length, georoad_Error* error) {
+int CGeoRoad::InsertVertical(int n, georoad_VertElementType type, double station, double elevation,
+                             double length, georoad_Error* error) {
     if (n < 0 || n >= m_numVertElements) {
         return 0;
     }
@@ -80,8 +80,8 @@ int CGeoRoad::InsertVertical(int n, georoad_VertElementType type, double station
         report(error, georoad_MemoryError);
         return 0;
     }
-    void* grown = std::realloc(m_vertElements,
-                               sizeof(VertElementRecord) * (std::size_t(m_numVertElements) + 1));
+    void* grown =
+        grow_records(m_vertElements, std::size_t(m_numVertElements), sizeof(VertElementRecord));
     if (grown == nullptr) {
         delete_vertical_element(type, element);
         report(error, georoad_MemoryError);
@@ -96,8 +96,8 @@ int CGeoRoad::InsertVertical(int n, georoad_VertElementType type, double station
     return 1;
 }
 
-int CGeoRoad::SetNthVertical(int n, georoad_VertElementType type, double station,
-                             double elevation, double length, georoad_Error* error) {
+int CGeoRoad::SetNthVertical(int n, georoad_VertElementType type, double station, double elevation,
+                             double length, georoad_Error* error) {
     if (n < 0 || n >= m_numVertElements) {
         return 0;
     }
@@ -132,8 +132,8 @@ int CGeoRoad::DeleteNthVertical(int n) {
         std::free(m_vertElements);
         m_vertElements = nullptr;
     } else {
-        void* shrunk =
-            std::realloc(m_vertElements, sizeof(VertElementRecord) * std::size_t(m_numVertElements));
+        void* shrunk = std::realloc(m_vertElements,
+                                    sizeof(VertElementRecord) * std::size_t(m_numVertElements));
         if (shrunk != nullptr) {
             m_vertElements = static_cast<VertElementRecord*>(shrunk);
         }
@@ -163,8 +163,7 @@ int CGeoRoad::GetNthVertical(int n, georoad_VertElementType type, double& statio
     double entered_station = GEO_NULL;
     double entered_elevation = GEO_NULL;
     double entered_length = GEO_NULL;
-    read_vertical_element(type, record.element, entered_station, entered_elevation,
-                          entered_length);
+    read_vertical_element(type, record.element, entered_station, entered_elevation, entered_length);
     switch (type) {
     case georoad_VertPoint:
         if (n > 0) {
@@ -269,8 +268,8 @@ void CGeoRoad::UpdateVerticalElements(int first) {
     for (int i = from; i < m_numVertElements; ++i) {
         PviEntry& entry = entries[static_cast<std::size_t>(i)];
         entry.type = m_vertElements[i].type;
-        read_vertical_element(entry.type, m_vertElements[i].element, entry.station,
-                              entry.elevation, entry.length);
+        read_vertical_element(entry.type, m_vertElements[i].element, entry.station, entry.elevation,
+                              entry.length);
     }
     ProfileLimits limits{m_startStationVertical, m_endStationVertical};
     derive_profile(m_vertElements, entries.data(), m_numVertElements, first, limits);

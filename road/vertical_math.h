@@ -54,8 +54,7 @@ bool fits_after(const VertElementRecord* last, georoad_VertElementType type, dou
 
 /// Whether the entered values are usable: a known type, a finite station and elevation and,
 /// for a curve, a finite positive length.
-bool is_usable_entry(georoad_VertElementType type, double station, double elevation,
-                     double length);
+bool is_usable_entry(georoad_VertElementType type, double station, double elevation, double length);
 
 } // namespace qv5::detail
 

@@ -32,7 +32,8 @@ SectionBreak make_break(double station, double elevation, std::uint32_t user,
 SectionSpan find_span(const SectionBreak* breaks, std::size_t count, double length,
                       double start_elevation, double station) {
     SectionSpan span{false, 0.0, start_elevation, 0.0, 0.0, geosect_NoSurface};
-    if (station < 0.0 || station > length || count == 0) {
+    // Written as "not inside" so that a NaN station, which lies nowhere, is outside too.
+    if (!(station >= 0.0 && station <= length) || count == 0) {
         return span;
     }
     for (std::size_t i = 0; i < count; ++i) {

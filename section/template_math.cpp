@@ -127,14 +127,15 @@ SurfaceDeltas surface_deltas(const ChainEntry* entries, std::size_t count, doubl
         const ChainEntry& e = entries[i];
         switch (e.type) {
         case geotemp_Step:
-            if (!(offset > e.end_h)) {
+            if (offset <= e.end_h) {
                 return out; // the point faces a step: no surface under it
             }
             break;
         case geotemp_GradeWidth:
         case geotemp_DeltaHV:
-            // "Not greater than" the end: a point exactly at an element's end belongs to it.
-            if (!(offset > e.end_h)) {
+            // Up to and including the end: a point exactly at an element's end belongs to it.
+            // (A NaN offset belongs to no element and finds no surface.)
+            if (offset <= e.end_h) {
                 out.delta_v = height - (e.start_v + (offset - e.start_h) * e.slope);
                 out.angle = e.angle;
                 return out;

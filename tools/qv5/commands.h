@@ -26,6 +26,8 @@ CommandRunner add_convert_command(CLI::App& app);
 CommandRunner add_element_command(CLI::App& app);
 /// `units`: the user's unit choices, shown and set.
 CommandRunner add_units_command(CLI::App& app);
+/// `template`: a cross-section template's chain, and its design height or catch at an offset.
+CommandRunner add_template_command(CLI::App& app);
 
 } // namespace qv5::cli
 

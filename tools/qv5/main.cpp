@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
     const CommandRunner convert = add_convert_command(app);
     const CommandRunner element = add_element_command(app);
     const CommandRunner units = add_units_command(app);
+    const CommandRunner templ = add_template_command(app);
 
     try {
         app.parse(argc, argv);
@@ -52,6 +53,9 @@ int main(int argc, char** argv) {
         }
         if (app.got_subcommand("units")) {
             return units();
+        }
+        if (app.got_subcommand("template")) {
+            return templ();
         }
         return sample();
     } catch (const std::exception& e) {
