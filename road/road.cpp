@@ -270,20 +270,23 @@ int CGeoRoad::NumberHorizontalElements() const {
     return m_numHorzElements;
 }
 
+// The per-element accessors leave the range to the caller; an index outside it reads the
+// no-value marker rather than memory that is not the road's.
 double CGeoRoad::HorzElementStartStation(int n) const {
-    return m_horzElements[n].startStation;
+    return n >= 0 && n < m_numHorzElements ? m_horzElements[n].startStation : GEO_NULL;
 }
 
 double CGeoRoad::HorzElementStartAzimuth(int n) const {
-    return m_horzElements[n].startAzimuth;
+    return n >= 0 && n < m_numHorzElements ? m_horzElements[n].startAzimuth : GEO_NULL;
 }
 
 geo_nee const& CGeoRoad::HorzElementStartCoords(int n) const {
-    return m_horzElements[n].startCoords;
+    static const geo_nee none{GEO_NULL, GEO_NULL, GEO_NULL};
+    return n >= 0 && n < m_numHorzElements ? m_horzElements[n].startCoords : none;
 }
 
 double CGeoRoad::HorzElementEndStation(int n) const {
-    if (n >= m_numHorzElements) {
+    if (n >= m_numHorzElements || n < 0) {
         return GEO_NULL;
     }
     const HorzElementRecord& record = m_horzElements[n];
@@ -294,7 +297,7 @@ double CGeoRoad::HorzElementEndStation(int n) const {
 }
 
 georoad_HorzElementType CGeoRoad::NthHorizontalType(int n) const {
-    if (n >= m_numHorzElements) {
+    if (n >= m_numHorzElements || n < 0) {
         return georoad_NoHorizontal;
     }
     return m_horzElements[n].type;

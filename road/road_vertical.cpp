@@ -189,16 +189,17 @@ int CGeoRoad::GetNthVertical(int n, georoad_VertElementType type, double& statio
     return 1;
 }
 
+// As the horizontal accessors: an index outside the profile reads the no-value marker.
 double CGeoRoad::NthPVIStation(int n) const {
-    return m_vertElements[n].station;
+    return n >= 0 && n < m_numVertElements ? m_vertElements[n].station : GEO_NULL;
 }
 
 double CGeoRoad::NthPVIElevation(int n) const {
-    return m_vertElements[n].elevation;
+    return n >= 0 && n < m_numVertElements ? m_vertElements[n].elevation : GEO_NULL;
 }
 
 georoad_VertElementType CGeoRoad::NthVerticalType(int n) const {
-    if (n >= m_numVertElements) {
+    if (n >= m_numVertElements || n < 0) {
         return georoad_NoVertical;
     }
     return m_vertElements[n].type;

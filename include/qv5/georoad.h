@@ -163,16 +163,17 @@ public:
     /// Number of horizontal elements.
     int NumberHorizontalElements() const;
 
-    /// Start station of element n (0 <= n < count; not checked).
+    /// Start station of element n (the caller keeps 0 <= n < count; outside it `GEO_NULL`).
     double HorzElementStartStation(int n) const;
-    /// Recorded start azimuth of element n (0 <= n < count; not checked).
+    /// Recorded start azimuth of element n (outside 0 <= n < count `GEO_NULL`).
     double HorzElementStartAzimuth(int n) const;
-    /// Start coordinates of element n (0 <= n < count; not checked).
+    /// Start coordinates of element n (outside 0 <= n < count all `GEO_NULL`).
     geo_nee const& HorzElementStartCoords(int n) const;
-    /// End station of element n: undefined at or past the count; the start station for a
-    /// record of a type outside 0 to 3.
+    /// End station of element n: undefined at or past the count (and for a negative n); the
+    /// start station for a record of a type outside 0 to 3.
     double HorzElementEndStation(int n) const;
-    /// Type of element n, or `georoad_NoHorizontal` at or past the count.
+    /// Type of element n, or `georoad_NoHorizontal` at or past the count (and for a negative
+    /// n).
     georoad_HorzElementType NthHorizontalType(int n) const;
 
     /// Appends a copy of the element, translated (never rotated) to the end of the road.
@@ -228,11 +229,11 @@ public:
     int GetNthVertical(int n, georoad_VertElementType type, double& station, double& elevation,
                        double& curveElevationAtPVI, double& gradeIn, double& gradeOut,
                        double& curveStart, double& curveEnd, double& length);
-    /// Station of PVI n (not checked).
+    /// Station of PVI n (the caller keeps 0 <= n < count; outside it `GEO_NULL`).
     double NthPVIStation(int n) const;
-    /// Elevation of PVI n (not checked).
+    /// Elevation of PVI n (outside 0 <= n < count `GEO_NULL`).
     double NthPVIElevation(int n) const;
-    /// Type of PVI n, or `georoad_NoVertical` at or past the count.
+    /// Type of PVI n, or `georoad_NoVertical` at or past the count (and for a negative n).
     georoad_VertElementType NthVerticalType(int n) const;
     /// Number of PVIs.
     int NumberVerticalElements() const;

@@ -572,10 +572,19 @@ TEST(RoadBadInput, UnusableElementsAreRefusedAndChangeNothing) {
     EXPECT_EQ(road.IsModified(), 0);
 }
 
-TEST(RoadAlignment, NegativeIndexTypeQueryIsNotCheckedButPastTheEndIs) {
+TEST(RoadAlignment, IndexesOutsideTheListReadNoValue) {
     CGeoRoad road;
     EXPECT_EQ(road.NthHorizontalType(0), georoad_NoHorizontal);
     EXPECT_TRUE(is_geo_null(road.HorzElementEndStation(0)));
+    build_three(road);
+    EXPECT_EQ(road.NthHorizontalType(-1), georoad_NoHorizontal);
+    EXPECT_TRUE(is_geo_null(road.HorzElementEndStation(-1)));
+    EXPECT_TRUE(is_geo_null(road.HorzElementStartStation(3)));
+    EXPECT_TRUE(is_geo_null(road.HorzElementStartAzimuth(-2)));
+    EXPECT_TRUE(is_geo_null(road.HorzElementStartCoords(7).north));
+    EXPECT_TRUE(is_geo_null(road.NthPVIStation(0)));
+    EXPECT_TRUE(is_geo_null(road.NthPVIElevation(-1)));
+    EXPECT_EQ(road.NthVerticalType(-1), georoad_NoVertical);
 }
 
 TEST(RoadAlignment, ElementsStartExactlyWhereTheirPredecessorsEnd) {

@@ -12,8 +12,6 @@ namespace qv5::test {
 /// A road whose protected operations and arrays the tests may reach.
 class OpenRoad : public CGeoRoad {
 public:
-    OpenRoad() = default;
-    OpenRoad(const OpenRoad& other) = default;
     using CGeoRoad::operator=;
     using CGeoRoad::UpdateHorizontalElements;
     using CGeoRoad::UpdateStationing;

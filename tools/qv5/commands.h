@@ -28,6 +28,8 @@ CommandRunner add_element_command(CLI::App& app);
 CommandRunner add_units_command(CLI::App& app);
 /// `template`: a cross-section template's chain, and its design height or catch at an offset.
 CommandRunner add_template_command(CLI::App& app);
+/// `road`: a road read from its JSON description, stationed and listed.
+CommandRunner add_road_command(CLI::App& app);
 
 } // namespace qv5::cli
 

@@ -21,6 +21,7 @@ int main(int argc, char** argv) {
     const CommandRunner element = add_element_command(app);
     const CommandRunner units = add_units_command(app);
     const CommandRunner templ = add_template_command(app);
+    const CommandRunner road = add_road_command(app);
 
     try {
         app.parse(argc, argv);
@@ -56,6 +57,9 @@ int main(int argc, char** argv) {
         }
         if (app.got_subcommand("template")) {
             return templ();
+        }
+        if (app.got_subcommand("road")) {
+            return road();
         }
         return sample();
     } catch (const std::exception& e) {
