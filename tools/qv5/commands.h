@@ -12,8 +12,13 @@ namespace qv5::cli {
 /// What a registered command runs once the arguments are parsed.
 using CommandRunner = std::function<int()>;
 
-/// The default job: the bundled (or a given) job file reduced and checked against its straight.
+/// `straight`: the bundled (or a given) job file reduced and checked against its straight.
 CommandRunner add_sample_command(CLI::App& app);
+/// `stake`: measured positions against a road; a station and offset to stake; a section.
+CommandRunner add_stake_command(CLI::App& app);
+/// The default job (options on the program itself): the bundled sample shots staked against the
+/// bundled sample road through the sample calibration.
+CommandRunner add_default_stake(CLI::App& app);
 /// `inverse`: bearing, distances and gradient between two points.
 CommandRunner add_inverse_command(CLI::App& app);
 /// `follow`: the point at a bearing, distance and gradient from a start.

@@ -1,4 +1,5 @@
-// qv5: the library's command-line program. With no arguments it runs the bundled sample job.
+// qv5: the library's command-line program. With no arguments it stakes the bundled sample shots
+// against the bundled sample road.
 #include "commands.h"
 #include "output.h"
 
@@ -13,7 +14,10 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", QV5_VERSION);
     app.require_subcommand(0, 1);
 
-    const CommandRunner sample = add_sample_command(app);
+    const CommandRunner sample = add_sample_command(*app.add_subcommand(
+        "straight", "Reduce instrument observations and place them against a straight"));
+    const CommandRunner stake = add_stake_command(app);
+    const CommandRunner stake_sample = add_default_stake(app);
     const CommandRunner inverse = add_inverse_command(app);
     const CommandRunner follow = add_follow_command(app);
     const CommandRunner calibrate = add_calibrate_command(app);
@@ -61,7 +65,13 @@ int main(int argc, char** argv) {
         if (app.got_subcommand("road")) {
             return road();
         }
-        return sample();
+        if (app.got_subcommand("straight")) {
+            return sample();
+        }
+        if (app.got_subcommand("stake")) {
+            return stake();
+        }
+        return stake_sample();
     } catch (const std::exception& e) {
         report_error(e.what());
         return kExitBadData;
