@@ -51,6 +51,14 @@ BASELINES = {
     "BM_CGeo7PTrans_Transform": ["BM_CGeo7PTrans_Transform_Proj"],
     "BM_CGeoTransformation_Forward": ["BM_CGeoTransformation_Forward_Proj"],
     "BM_CGeoTransformation_Reverse": ["BM_CGeoTransformation_Reverse_Proj"],
+    "BM_Iterator_Walk_Line": ["BM_Iterator_Walk_Line_GridHorzPoint"],
+    "BM_Iterator_Walk_Arc": ["BM_Iterator_Walk_Arc_GridHorzPoint"],
+    "BM_Iterator_Walk_Spiral": ["BM_Iterator_Walk_Spiral_GridHorzPoint"],
+    "BM_Iterator_Intersection": ["BM_Iterator_Intersection_CenterlineDeltas"],
+    "BM_Iterator_ColdStart/10": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart/100": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart/1000": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart/10000": ["BM_Iterator_ColdStart_LineInversion"],
 }
 
 # Nanoseconds per time unit of a benchmark's report.

@@ -299,6 +299,34 @@ public:
     /// Read from a road file's bytes held in memory (the file path is not changed).
     int ReadBytes(const unsigned char* bytes, std::size_t size, georoad_Error* error,
                   georoad_FileReport* report);
+    // Nearest-point and station searches. They bind a CGeoRoadIterator (georoaditer.h), which in
+    // turn starts from FindStationWithClosestOffset: the road and its iterator call each other,
+    // in road/road_search.cpp and road/road_iterator.cpp only. Any number of threads may search
+    // one road at once while nobody edits it.
+
+    /// Snaps the station of a point near the centreline to a significant station: the road
+    /// start, an element transition or an even station (transitions win over even stations).
+    /// @param pt measured point (3-D grid)
+    /// @param tolerance metres: largest offset, and largest distance to the significant station
+    /// @param[out] station the significant station, written as described for the result
+    /// @param[out] type what the station is
+    /// @return 1 when station and type were set to a snapped station, else 0 (between two lines
+    ///         the transition station is written although the result is 0 unless an even
+    ///         station was also found)
+    int FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station,
+                          georoad_HorzTransitionType& type);
+    /// The centreline station whose perpendicular passes closest to a point, over every
+    /// horizontal element.
+    /// @param pt measured point (grid)
+    /// @param[out] offset offset of the point at that station (1e100 when none was found)
+    /// @param d tolerance handed to the spirals' station search, metres
+    /// @param[out] element optional: index of the element found, -1 if none
+    /// @return the station, or `GEO_NULL`
+    double FindStationWithClosestOffset(CGeoPoint& pt, double& offset, double d, int* element);
+    /// First station with a full three-dimensional road surface: the greater of the road's
+    /// (horizontal or vertical) start and the first template application.
+    /// @return metres, or `GEO_NULL` without template applications
+    double Min3DStationing();
 
 protected:
     /// Appends the sections (horizontal, vertical, templates, applications, each only when it

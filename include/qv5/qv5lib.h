@@ -16,6 +16,7 @@
 #include "qv5/geopoint.h"
 #include "qv5/georoad.h"
 #include "qv5/georoadfile.h"
+#include "qv5/georoaditer.h"
 #include "qv5/geosection.h"
 #include "qv5/geospiral.h"
 #include "qv5/geostereo.h"

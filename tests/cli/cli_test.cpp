@@ -21,8 +21,8 @@ std::size_t count_lines(const std::string& text) {
     return n;
 }
 
-TEST(QV5Program, DefaultRunPlacesEverySampleShotAgainstTheStraight) {
-    const auto r = qv5({});
+TEST(QV5Program, StraightJobPlacesEverySampleShotAgainstTheStraight) {
+    const auto r = qv5({"straight"});
     ASSERT_EQ(r.exit_code, 0) << r.err;
     EXPECT_TRUE(r.err.empty());
     for (const char* name : {"P1", "P2", "P3", "P4", "P5"}) {
@@ -31,8 +31,8 @@ TEST(QV5Program, DefaultRunPlacesEverySampleShotAgainstTheStraight) {
     EXPECT_NE(r.out.find("Straight CL"), std::string::npos);
 }
 
-TEST(QV5Program, DefaultRunJsonMatchesHandReduction) {
-    const auto r = qv5({"--json"});
+TEST(QV5Program, StraightJobJsonMatchesHandReduction) {
+    const auto r = qv5({"straight", "--json"});
     ASSERT_EQ(r.exit_code, 0) << r.err;
     const auto doc = nlohmann::json::parse(r.out);
     ASSERT_EQ(doc["points"].size(), 5u);
@@ -122,7 +122,7 @@ TEST(QV5Program, UnknownSubcommandGivesOneLineAndExitCode2) {
 }
 
 TEST(QV5Program, MissingJobFileIsReported) {
-    const auto r = qv5({"--data", "/nonexistent/job.csv"});
+    const auto r = qv5({"straight", "--data", "/nonexistent/job.csv"});
     EXPECT_EQ(r.exit_code, 1);
     EXPECT_NE(r.err.find("cannot read job file"), std::string::npos);
 }

@@ -134,8 +134,8 @@ TEST(QV5Units, FollowShowsThePositionInTheUsersOrder) {
     EXPECT_EQ(r.out, "East       200.000m\nNorth      150.000m\nElevation  10.000m\n");
 }
 
-TEST(QV5Units, DefaultJobShowsFeetAndStations) {
-    const auto r = run_qv5({});
+TEST(QV5Units, StraightJobShowsFeetAndStations) {
+    const auto r = run_qv5({"straight"});
     ASSERT_EQ(r.exit_code, 0) << r.err;
     // P4 (hand reduction in cli_test.cpp) at station 87.091 m, offset -8.245 m.
     EXPECT_TRUE(contains(r.out, "P4           16484.94'      6547.42'")) << r.out;
@@ -144,15 +144,15 @@ TEST(QV5Units, DefaultJobShowsFeetAndStations) {
     EXPECT_TRUE(contains(r.out, "Distances in US Survey feet"));
 }
 
-TEST(QV5Units, DefaultJobRawAndInMetres) {
-    const auto raw = run_qv5({"--raw"});
+TEST(QV5Units, StraightJobRawAndInMetres) {
+    const auto raw = run_qv5({"straight", "--raw"});
     ASSERT_EQ(raw.exit_code, 0) << raw.err;
     EXPECT_TRUE(contains(raw.out, "Metres and radians."));
     EXPECT_TRUE(contains(raw.out, "87.091 m"));
     ASSERT_EQ(run_qv5({"units", "set", "horizontal-distance", "metres"}).exit_code, 0);
-    const auto metres = run_qv5({});
+    const auto metres = run_qv5({"straight"});
     EXPECT_TRUE(contains(metres.out, "0+87.091m")) << metres.out;
-    const auto doc = nlohmann::json::parse(run_qv5({"--json"}).out);
+    const auto doc = nlohmann::json::parse(run_qv5({"straight", "--json"}).out);
     EXPECT_EQ(doc["points"][3]["formatted"]["station"], "0+87.091m");
     EXPECT_EQ(doc["units"]["horizontal-distance"], "metres");
 }

@@ -87,8 +87,6 @@ TEST(ElementShape, UsableOnlyWithFiniteAzimuthLengthAndPositiveRadius) {
     EXPECT_TRUE(is_usable_shape(georoad_Line, ElementShape{0.0, 0.0, GEO_NULL, geodef_Right}));
     EXPECT_FALSE(is_usable_shape(georoad_Arc, ElementShape{0.0, 10.0, 0.0, geodef_Right}));
     EXPECT_FALSE(is_usable_shape(georoad_Arc, ElementShape{0.0, 10.0, -5.0, geodef_Right}));
-    EXPECT_FALSE(is_usable_shape(georoad_Arc,
-                                 ElementShape{0.0, 10.0, 5.0, static_cast<geodef_Direction>(2)}));
     EXPECT_FALSE(
         is_usable_shape(georoad_Line, ElementShape{GEO_NULL, 1.0, GEO_NULL, geodef_Right}));
     EXPECT_FALSE(is_usable_shape(georoad_Line, ElementShape{0.0, -1.0, GEO_NULL, geodef_Right}));

@@ -12,7 +12,6 @@ namespace qv5::test {
 /// A road whose protected operations and arrays the tests may reach.
 class OpenRoad : public CGeoRoad {
 public:
-    OpenRoad() = default;
     using CGeoRoad::operator=;
     using CGeoRoad::UpdateHorizontalElements;
     using CGeoRoad::UpdateStationing;

@@ -185,11 +185,16 @@ int run_sample(const SampleOptions& options) {
 
 } // namespace
 
-CommandRunner add_sample_options(CLI::App& app) {
+CommandRunner add_straight_options(CLI::App& cmd) {
     auto options = std::make_shared<SampleOptions>();
-    app.add_option("--data", options->data_file,
+    cmd.add_option("--data", options->data_file,
                    "Job file to run instead of the bundled sample (see docs/cli.md)");
     return [options] { return run_sample(*options); };
 }
 
 } // namespace qv5::cli
+
+QV5_COMMAND("straight",
+            "Reduce instrument observations (a job file; the bundled sample by default) and place "
+            "each shot against a straight of a road centreline",
+            qv5::cli::add_straight_options);

@@ -58,8 +58,9 @@ using RoadFileRunner = std::function<std::optional<int>()>;
 /// `road convert` and `road name`, added to the `road` command.
 RoadFileRunner add_road_file_commands(CLI::App& road);
 
-/// The default job, run when no subcommand is given: its options go on the program itself.
-CommandRunner add_sample_options(CLI::App& app);
+/// The default job, run when no subcommand is given: the bundled sample shots staked against
+/// the bundled sample road. Its options go on the program itself.
+CommandRunner add_default_options(CLI::App& app);
 
 } // namespace qv5::cli
 

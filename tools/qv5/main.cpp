@@ -1,4 +1,5 @@
-// qv5: the library's command-line program. With no arguments it runs the bundled sample job.
+// qv5: the library's command-line program. With no arguments it stakes the bundled sample shots
+// against the bundled sample road.
 #include "args.h"
 #include "commands.h"
 #include "output.h"
@@ -58,7 +59,7 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", QV5_VERSION);
     app.require_subcommand(0, 1);
 
-    const CommandRunner sample = add_sample_options(app);
+    const CommandRunner default_job = add_default_options(app);
     add_output_options(app);
     std::vector<CommandEntry> entries = command_registry();
     std::sort(entries.begin(), entries.end(), [](const CommandEntry& a, const CommandEntry& b) {
@@ -103,7 +104,7 @@ int main(int argc, char** argv) {
                 return run();
             }
         }
-        return sample();
+        return default_job();
     } catch (const std::exception& e) {
         report_error(e.what());
         return kExitBadData;

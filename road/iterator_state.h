@@ -1,0 +1,58 @@
+// The road iterator's private state and the seam through which the road's searches use an
+// iterator. Internal header; never installed.
+//
+// The iterator and the road call each other: CGeoRoadIterator::CenterlineDeltas asks for the
+// closest-offset search when it has no current element, and the road's searches bind an
+// iterator to invert points and to test the roadway. Both directions go through
+// IteratorAccess, implemented in road_iterator.cpp and used by road_search.cpp.
+#ifndef QV5_ROAD_ITERATOR_STATE_H
+#define QV5_ROAD_ITERATOR_STATE_H
+
+#include "qv5/georoaditer.h"
+#include "qv5/geotemplate.h"
+#include "road/iterator_math.h"
+#include "road/road_access.h"
+
+#include <vector>
+
+namespace qv5::detail {
+
+/// One horizontal element as the iterator holds it: a private copy, loaded on first use.
+struct IteratorElement {
+    HorizontalCopy copy{-1, GEO_NULL, {}};
+    double length = 0.0; ///< stationing length; 0 for a record without an element
+    unsigned known = 0;
+};
+
+/// What a CGeoRoadIterator owns besides its plain fields.
+struct IteratorState {
+    enum : unsigned {
+        kKnownProfile = 1,      ///< `profile` holds the road's profile records
+        kKnownApplications = 2, ///< `applications` holds the road's template applications
+    };
+
+    CGeoTemplate work;                         ///< the template Intersection evaluates
+    std::vector<IteratorElement> elements;     ///< sized to the road's element count
+    std::vector<ProfileRecordView> profile;    ///< copied once per Set or Reset
+    std::vector<ApplicationView> applications; ///< copied once per Set or Reset
+    unsigned known = 0;
+};
+
+/// The iterator's internals as the road's searches use them.
+struct IteratorAccess {
+    /// Inverts element k of the iterator's road for a point, the spirals started from
+    /// `spiral_guess` (clamped to the spiral) with `spiral_tolerance`.
+    static ElementDeltas invert(CGeoRoadIterator& it, int k, CGeoPoint& point, double spiral_guess,
+                                double spiral_tolerance);
+    /// Element k's private copy (loaded on first use); k must be within the road's count.
+    static IteratorElement& element(CGeoRoadIterator& it, int k);
+    /// CGeoRoadIterator::CheckPointOnRoadWay.
+    static int on_roadway(CGeoRoadIterator& it, double station, double offset);
+    /// The closest-offset search over every element, with the iterator's element copies.
+    static double closest_offset(CGeoRoadIterator& it, CGeoPoint& point, double& offset,
+                                 double tolerance, int* element);
+};
+
+} // namespace qv5::detail
+
+#endif // QV5_ROAD_ITERATOR_STATE_H

@@ -1,0 +1,145 @@
+// The road's nearest-point and station searches: the significant station near a measured point,
+// the station whose perpendicular passes closest to a point, and the first station with a full
+// road surface.
+//
+// The searches bind a road iterator and evaluate its private copies of the elements, never the
+// road's own element objects (whose accessors fill lazy caches), so that any number of threads
+// may search one road at once, each with its own iterator.
+#include "core/constants.h"
+#include "qv5/georoad.h"
+#include "qv5/georoaditer.h"
+#include "qv5/geosurvey.h"
+#include "road/iterator_math.h"
+#include "road/iterator_state.h"
+#include "road/road_access.h"
+
+#include <cmath>
+
+using qv5::detail::ElementKind;
+using qv5::detail::IteratorAccess;
+using qv5::detail::RoadAccess;
+
+namespace {
+
+ElementKind kind_of(int type) {
+    switch (type) {
+    case georoad_Line:
+        return ElementKind::Line;
+    case georoad_Arc:
+        return ElementKind::Arc;
+    case georoad_EntrySpiral:
+    case georoad_ExitSpiral:
+        return ElementKind::Spiral;
+    default:
+        return ElementKind::Other;
+    }
+}
+
+/// Smallest application station starts here, above any real station.
+inline constexpr double kFirstApplicationStart = qv5::detail::kSearchStart;
+
+} // namespace
+
+namespace qv5::detail {
+
+double IteratorAccess::closest_offset(CGeoRoadIterator& it, CGeoPoint& point, double& offset,
+                                      double tolerance, int* element) {
+    ClosestOffset best;
+    offset = best.offset;
+    const int count = it.m_road == nullptr ? 0 : RoadAccess::horizontal_count(*it.m_road);
+    const auto on_roadway = [&](double station, double off) {
+        return IteratorAccess::on_roadway(it, station, off);
+    };
+    for (int k = 0; k < count; ++k) {
+        const int type = RoadAccess::horizontal_type(*it.m_road, k);
+        if (type < georoad_Line || type > georoad_ExitSpiral) {
+            continue;
+        }
+        IteratorElement& e = IteratorAccess::element(it, k);
+        // Every spiral is searched from its middle, whatever the iterator last found.
+        const ElementDeltas d = IteratorAccess::invert(it, k, point, e.length * 0.5, tolerance);
+        OffsetCandidate c{d.inverted,           d.station, d.offset, e.length,
+                          e.copy.start_station, false,     GEO_NULL};
+        if (type == georoad_Line && k + 1 < count &&
+            RoadAccess::horizontal_type(*it.m_road, k + 1) == georoad_Line) {
+            c.line_followed_by_line = true;
+            auto& line = std::get<CGeoLine>(e.copy.element);
+            c.corner_distance = geo_horz_dist(point.Grid(), line.EndPt().Grid());
+        }
+        offer_candidate(best, k, k == count - 1, c, on_roadway);
+    }
+    offset = best.offset;
+    if (element != nullptr) {
+        *element = best.element;
+    }
+    return best.element >= 0 ? best.station : GEO_NULL;
+}
+
+} // namespace qv5::detail
+
+double CGeoRoad::FindStationWithClosestOffset(CGeoPoint& pt, double& offset, double d,
+                                              int* element) {
+    CGeoRoadIterator it;
+    it.Set(this);
+    return IteratorAccess::closest_offset(it, pt, offset, d, element);
+}
+
+int CGeoRoad::FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station,
+                                georoad_HorzTransitionType& type) {
+    const int count = RoadAccess::horizontal_count(*this);
+    if (count <= 0) {
+        return 0;
+    }
+    CGeoRoadIterator it;
+    it.Set(this);
+    double s = GEO_NULL, o = GEO_NULL, dz = GEO_NULL, azimuth = GEO_NULL, grade = GEO_NULL;
+    it.CenterlineDeltas(pt, s, o, dz, azimuth, grade, nullptr);
+    const int k = it.CurrentHorizontalElement();
+    if (s == GEO_NULL || o == GEO_NULL || k < 0 || k >= count) {
+        return 0;
+    }
+    qv5::detail::SnapInput in{};
+    in.station = s;
+    in.offset = o;
+    in.tolerance = tolerance;
+    in.road_start = RoadAccess::start_station(*this);
+    in.road_end = RoadAccess::end_station(*this);
+    in.interval = RoadAccess::station_interval(*this);
+    in.element_start = RoadAccess::horizontal_start_station(*this, k);
+    in.last_element = k == count - 1;
+    in.next_start =
+        in.last_element ? in.road_end : RoadAccess::horizontal_start_station(*this, k + 1);
+    in.before_k = k > 0 ? kind_of(RoadAccess::horizontal_type(*this, k - 1)) : ElementKind::Other;
+    in.kind_k = kind_of(RoadAccess::horizontal_type(*this, k));
+    in.after_k =
+        in.last_element ? ElementKind::Other : kind_of(RoadAccess::horizontal_type(*this, k + 1));
+    const qv5::detail::SnapResult snap = qv5::detail::snap_station(in);
+    if (snap.station_written) {
+        station = snap.station;
+    }
+    if (snap.type_written) {
+        type = static_cast<georoad_HorzTransitionType>(snap.type);
+    }
+    return snap.result;
+}
+
+double CGeoRoad::Min3DStationing() {
+    const int count = RoadAccess::application_count(*this);
+    if (count <= 0) {
+        return GEO_NULL;
+    }
+    double h = RoadAccess::start_station(*this);
+    const double vertical_start = StartStationVertical();
+    // A road without a profile has no vertical start; its horizontal start decides alone.
+    if (vertical_start != GEO_NULL && vertical_start > h) {
+        h = vertical_start;
+    }
+    double m = kFirstApplicationStart;
+    for (int i = 0; i < count; ++i) {
+        const double station = RoadAccess::application(*this, i).station;
+        if (station < m) {
+            m = station;
+        }
+    }
+    return m > h ? m : h;
+}

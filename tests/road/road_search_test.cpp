@@ -1,0 +1,256 @@
+// The road's nearest-point and station searches.
+#include "road/iterator_roads.h"
+
+#include "qv5/georoad.h"
+#include "qv5/georoaditer.h"
+
+#include "support/test_numbers.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using qv5::test::flat_template;
+using qv5::test::grid_point;
+using qv5::test::is_geo_null;
+using qv5::test::kHalfPi;
+using qv5::test::RoadBuilder;
+
+namespace {
+
+struct Snap {
+    int result;
+    double station;
+    georoad_HorzTransitionType type;
+};
+
+Snap snap(CGeoRoad& road, CGeoPoint p, double tolerance) {
+    // A kind no test here can give: shows that the type was left untouched.
+    Snap s{-1, -999.0, georoad_TransArcArc};
+    s.result = road.FindClosestHorzPt(p, tolerance, s.station, s.type);
+    return s;
+}
+
+/// The design point at a station and offset, at elevation 0.
+CGeoPoint road_point(CGeoRoad& road, double station, double offset) {
+    CGeoRoadIterator it;
+    it.Set(&road);
+    CGeoPoint p;
+    double azimuth = GEO_NULL;
+    it.CenterlinePoint(station, offset, 0.0, p, azimuth, nullptr, nullptr);
+    p.SetGrid(p.Northing(), p.Easting(), 0.0);
+    return p;
+}
+
+} // namespace
+
+TEST(FindClosestHorzPt, RoadWithoutElementsReturnsZero) {
+    CGeoRoad road;
+    const Snap s = snap(road, grid_point(0.0, 0.0, 0.0), 0.05);
+    EXPECT_EQ(s.result, 0);
+    EXPECT_EQ(s.station, -999.0);
+}
+
+TEST(FindClosestHorzPt, PointNearStartSnapsToStartWithNoTransition) {
+    CGeoRoad road;
+    RoadBuilder(road, 1000.0, 2000.0, 0.0, 20.0).line(100.0);
+    const Snap s = snap(road, grid_point(1000.01, 2000.0, 0.0), 0.05);
+    EXPECT_EQ(s.result, 1);
+    EXPECT_EQ(s.station, 0.0);
+    EXPECT_EQ(s.type, georoad_TransNone);
+}
+
+TEST(FindClosestHorzPt, PointNearEvenStationSnapsToIt) {
+    CGeoRoad road;
+    RoadBuilder(road, 1000.0, 2000.0, 0.0, 20.0).line(100.0);
+    const Snap s = snap(road, grid_point(1039.97, 2000.01, 0.0), 0.05);
+    EXPECT_EQ(s.result, 1);
+    EXPECT_NEAR(s.station, 40.0, 1e-12);
+    EXPECT_EQ(s.type, georoad_TransStationInterval);
+    const Snap after = snap(road, grid_point(1060.03, 2000.0, 0.0), 0.05);
+    EXPECT_EQ(after.result, 1);
+    EXPECT_NEAR(after.station, 60.0, 1e-12);
+}
+
+TEST(FindClosestHorzPt, PointBeforeArcEndSnapsToArcLineTransition) {
+    CGeoRoad road;
+    RoadBuilder(road, 1000.0, 2000.0, 0.0, 7.0)
+        .line(100.0)
+        .arc(200.0, 100.0, geodef_Right)
+        .line(100.0);
+    const Snap s = snap(road, road_point(road, 199.98, 0.0), 0.05);
+    EXPECT_EQ(s.result, 1);
+    EXPECT_NEAR(s.station, 200.0, 1e-9);
+    EXPECT_EQ(s.type, georoad_TransArcLine);
+    // The start of the arc, from inside it.
+    const Snap start = snap(road, road_point(road, 100.02, 0.01), 0.05);
+    EXPECT_EQ(start.result, 1);
+    EXPECT_NEAR(start.station, 100.0, 1e-9);
+    EXPECT_EQ(start.type, georoad_TransLineArc);
+}
+
+TEST(FindClosestHorzPt, TransitionWinsOverEvenStation) {
+    CGeoRoad road;
+    RoadBuilder(road, 1000.0, 2000.0, 0.0, 20.0)
+        .line(100.0)
+        .entry_spiral(300.0, 60.0, geodef_Left)
+        .line(100.0);
+    const Snap s = snap(road, road_point(road, 99.98, 0.0), 0.05);
+    EXPECT_EQ(s.result, 1);
+    EXPECT_NEAR(s.station, 100.0, 1e-9);
+    EXPECT_EQ(s.type, georoad_TransLineSpiral);
+}
+
+TEST(FindClosestHorzPt, LineToLineWritesStationButNotTypeAndNeedsEvenStation) {
+    CGeoRoad odd;
+    RoadBuilder(odd, 1000.0, 2000.0, 0.0, 7.0).line(100.0).turn(0.2).line(100.0);
+    const Snap s = snap(odd, grid_point(1099.98, 2000.0, 0.0), 0.05);
+    EXPECT_EQ(s.result, 0);
+    EXPECT_NEAR(s.station, 100.0, 1e-9);    // written although the result is 0
+    EXPECT_EQ(s.type, georoad_TransArcArc); // not written
+
+    CGeoRoad even;
+    RoadBuilder(even, 1000.0, 2000.0, 0.0, 20.0).line(100.0).turn(0.2).line(100.0);
+    const Snap e = snap(even, grid_point(1099.98, 2000.0, 0.0), 0.05);
+    EXPECT_EQ(e.result, 1);
+    EXPECT_NEAR(e.station, 100.0, 1e-9);
+    EXPECT_EQ(e.type, georoad_TransStationInterval);
+}
+
+TEST(FindClosestHorzPt, FarFromCentrelineOrSignificantStationWritesNothing) {
+    CGeoRoad road;
+    RoadBuilder(road, 1000.0, 2000.0, 0.0, 20.0).line(100.0);
+    Snap s = snap(road, grid_point(1040.0, 2000.2, 0.0), 0.05); // offset beyond tolerance
+    EXPECT_EQ(s.result, 0);
+    EXPECT_EQ(s.station, -999.0);
+    s = snap(road, grid_point(1050.0, 2000.0, 0.0), 0.05); // nothing significant near 50
+    EXPECT_EQ(s.result, 0);
+    EXPECT_EQ(s.station, -999.0);
+    s = snap(road, grid_point(1200.0, 2000.0, 0.0), 0.05); // past the end
+    EXPECT_EQ(s.result, 0);
+    s = snap(road, grid_point(1050.0, 2000.0, GEO_NULL), 0.05); // no 3-D grid
+    EXPECT_EQ(s.result, 0);
+}
+
+TEST(FindClosestHorzPt, UndefinedIntervalSnapsOnlyToStartAndTransitions) {
+    CGeoRoad road;
+    RoadBuilder(road, 1000.0, 2000.0, 0.0, GEO_NULL).line(100.0).arc(100.0, 50.0, geodef_Left);
+    EXPECT_EQ(snap(road, grid_point(1040.0, 2000.0, 0.0), 0.05).result, 0);
+    const Snap s = snap(road, grid_point(1099.99, 2000.0, 0.0), 0.05);
+    EXPECT_EQ(s.result, 1);
+    EXPECT_EQ(s.type, georoad_TransLineArc);
+}
+
+TEST(Min3DStationing, WithoutApplicationsIsUndefined) {
+    CGeoRoad road;
+    RoadBuilder(road, 0.0, 0.0, 0.0).line(200.0);
+    EXPECT_TRUE(is_geo_null(road.Min3DStationing()));
+}
+
+TEST(Min3DStationing, GreaterOfStartsAndFirstApplication) {
+    CGeoRoad road;
+    RoadBuilder(road, 0.0, 0.0, 0.0).line(200.0);
+    georoad_Error error = georoad_Error{};
+    road.AddVertical(georoad_VertPoint, 10.0, 50.0, 0.0, &error);
+    road.AddVertical(georoad_VertPoint, 200.0, 52.0, 0.0, &error);
+    CGeoTemplate t = flat_template("T", 4.0, 0.0, 0.0);
+    road.AddTemplate(&t);
+    road.AddTemplateApplication(CString("T"), 120.0, geodef_BothSides);
+    road.AddTemplateApplication(CString("T"), 50.0, geodef_LeftSide);
+    EXPECT_EQ(road.Min3DStationing(), 50.0);
+    CGeoRoad early;
+    RoadBuilder(early, 0.0, 0.0, 0.0).line(200.0);
+    early.AddVertical(georoad_VertPoint, 10.0, 50.0, 0.0, &error);
+    early.AddTemplate(&t);
+    early.AddTemplateApplication(CString("T"), 5.0, geodef_BothSides);
+    EXPECT_EQ(early.Min3DStationing(), 10.0); // the profile starts later
+}
+
+TEST(FindStationWithClosestOffset, RoadWithoutElementsIsUndefined) {
+    CGeoRoad road;
+    CGeoPoint p = grid_point(1.0, 1.0, 0.0);
+    double offset = 0.0;
+    int element = 7;
+    EXPECT_TRUE(is_geo_null(road.FindStationWithClosestOffset(p, offset, 0.01, &element)));
+    EXPECT_EQ(element, -1);
+    EXPECT_EQ(road.FindStationWithClosestOffset(p, offset, 0.01, nullptr), GEO_NULL);
+}
+
+TEST(FindStationWithClosestOffset, BeforeStartReportsTheLargerDistance) {
+    CGeoRoad road;
+    RoadBuilder(road, 1000.0, 2000.0, 0.0).line(100.0).line(100.0);
+    CGeoPoint p = grid_point(990.0, 2003.0, 0.0);
+    double offset = 0.0;
+    int element = 7;
+    const double station = road.FindStationWithClosestOffset(p, offset, 0.01, &element);
+    EXPECT_NEAR(station, -10.0, 1e-9);
+    EXPECT_NEAR(offset, 10.0, 1e-9); // |station| beats the 3 m offset
+    EXPECT_EQ(element, 0);
+    CGeoPoint near_line = grid_point(999.0, 2003.0, 0.0);
+    road.FindStationWithClosestOffset(near_line, offset, 0.01, &element);
+    EXPECT_NEAR(offset, 3.0, 1e-9);
+}
+
+TEST(FindStationWithClosestOffset, PastEndReportsTheSmallerDistance) {
+    CGeoRoad straight;
+    RoadBuilder(straight, 1000.0, 2000.0, 0.0).line(100.0);
+    CGeoPoint p = grid_point(1102.0, 2005.0, 0.0);
+    double offset = 0.0;
+    int element = 7;
+    const double station = straight.FindStationWithClosestOffset(p, offset, 0.01, &element);
+    EXPECT_NEAR(station, 102.0, 1e-9);
+    EXPECT_NEAR(offset, 2.0, 1e-9);
+    EXPECT_EQ(element, 0);
+    CGeoPoint q = grid_point(1110.0, 2002.0, 0.0);
+    straight.FindStationWithClosestOffset(q, offset, 0.01, &element);
+    EXPECT_NEAR(offset, 2.0, 1e-9); // the offset is now the smaller
+}
+
+TEST(FindStationWithClosestOffset, OutsideCornerOfTwoLinesGivesCornerDistance) {
+    CGeoRoad road;
+    RoadBuilder(road, 1000.0, 2000.0, 0.0).line(100.0).turn(kHalfPi).line(100.0);
+    CGeoPoint p = grid_point(1104.0, 1997.0, 0.0);
+    double offset = 0.0;
+    int element = 7;
+    const double station = road.FindStationWithClosestOffset(p, offset, 0.01, &element);
+    EXPECT_NEAR(station, 100.0, 1e-9);
+    EXPECT_NEAR(offset, 5.0, 1e-9); // 3-4-5 from the corner (1100, 2000)
+    EXPECT_EQ(element, 0);
+}
+
+TEST(FindStationWithClosestOffset, InsideTheSmallerOffsetWins) {
+    CGeoRoad road;
+    RoadBuilder(road, 1000.0, 2000.0, 0.0).line(100.0).turn(kHalfPi).line(100.0);
+    CGeoPoint p = grid_point(1096.0, 2001.0, 0.0); // 1 m right of line 0, 4 m left of line 1
+    double offset = 0.0;
+    int element = 7;
+    double station = road.FindStationWithClosestOffset(p, offset, 0.01, &element);
+    EXPECT_NEAR(station, 96.0, 1e-9);
+    EXPECT_NEAR(offset, 1.0, 1e-9);
+    EXPECT_EQ(element, 0);
+}
+
+TEST(FindStationWithClosestOffset, PastEndKeepsCandidateOnRoadway) {
+    // The point is 4.5 m right of line 0 (on its 5 m roadway) and 2 m past the end of the last
+    // element with an offset of 3 there: the roadway candidate is kept. Without templates the
+    // point is on no roadway and the past-end candidate (the smaller distance, 2) wins.
+    CGeoTemplate t = flat_template("T", 5.0, 0.0, 0.0);
+    CGeoRoad paved;
+    RoadBuilder(paved, 0.0, 0.0, 0.0).line(100.0).turn(kHalfPi).line(2.5);
+    paved.AddTemplate(&t);
+    paved.AddTemplateApplication(CString("T"), 0.0, geodef_BothSides);
+    CGeoPoint p = grid_point(97.0, 4.5, 0.0);
+    double offset = 0.0;
+    int element = 7;
+    double station = paved.FindStationWithClosestOffset(p, offset, 0.01, &element);
+    EXPECT_EQ(element, 0);
+    EXPECT_NEAR(station, 97.0, 1e-9);
+    EXPECT_NEAR(offset, 4.5, 1e-9);
+
+    CGeoRoad bare;
+    RoadBuilder(bare, 0.0, 0.0, 0.0).line(100.0).turn(kHalfPi).line(2.5);
+    station = bare.FindStationWithClosestOffset(p, offset, 0.01, &element);
+    EXPECT_EQ(element, 1);
+    EXPECT_NEAR(station, 104.5, 1e-9);
+    EXPECT_NEAR(offset, 2.0, 1e-9);
+}
