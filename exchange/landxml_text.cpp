@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
+#include <iterator>
 
 namespace qv5::landxml::detail {
 
@@ -244,13 +246,36 @@ std::string format_number(double value) {
 }
 
 LineIndex::LineIndex(std::string_view text) {
+    // memchr finds the line ends far faster than a byte loop; lone carriage returns (old Mac
+    // line ends) are rare and found in a second pass, then merged in order.
     m_line_starts.push_back(0);
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\n') {
-            m_line_starts.push_back(static_cast<std::ptrdiff_t>(i + 1));
-        } else if (text[i] == '\r' && (i + 1 >= text.size() || text[i + 1] != '\n')) {
-            m_line_starts.push_back(static_cast<std::ptrdiff_t>(i + 1));
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    for (const char* p = begin; p < end;) {
+        const void* found = std::memchr(p, '\n', static_cast<std::size_t>(end - p));
+        if (found == nullptr) {
+            break;
         }
+        p = static_cast<const char*>(found) + 1;
+        m_line_starts.push_back(p - begin);
+    }
+    std::vector<std::ptrdiff_t> lone_returns;
+    for (const char* p = begin; p < end;) {
+        const void* found = std::memchr(p, '\r', static_cast<std::size_t>(end - p));
+        if (found == nullptr) {
+            break;
+        }
+        p = static_cast<const char*>(found) + 1;
+        if (p == end || *p != '\n') {
+            lone_returns.push_back(p - begin);
+        }
+    }
+    if (!lone_returns.empty()) {
+        std::vector<std::ptrdiff_t> merged;
+        merged.reserve(m_line_starts.size() + lone_returns.size());
+        std::merge(m_line_starts.begin(), m_line_starts.end(), lone_returns.begin(),
+                   lone_returns.end(), std::back_inserter(merged));
+        m_line_starts = std::move(merged);
     }
 }
 
