@@ -24,9 +24,8 @@ const std::string& document() {
         CGeoPoint origin;
         origin.SetGrid(0.0, 0.0, 0.0);
         for (int n = 0; n < kElements; ++n) {
-            const double azimuth = road.NumberHorizontalElements() == 0
-                                       ? 0.3
-                                       : road.EndAzimuthHorizontal();
+            const double azimuth =
+                road.NumberHorizontalElements() == 0 ? 0.3 : road.EndAzimuthHorizontal();
             if (n % 2 == 0) {
                 CGeoLine line;
                 line.Set(origin, azimuth, 40.0 + n % 7, 0.0);
