@@ -27,8 +27,6 @@ namespace {
 
 using detail::AngleForm;
 
-/// Series tolerance, metres, when a spiral's end is computed to check it against the file.
-constexpr double kSpiralTolerance = 1e-9;
 /// Station interval given to a road read from LandXML, which has no such setting: even
 /// stations every 20 m, the usual staking interval.
 constexpr double kDefaultStationInterval = 20.0;
