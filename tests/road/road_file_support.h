@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -38,8 +40,11 @@ inline std::vector<unsigned short> utf16(const std::string& ascii) {
 
 /// A fresh path in the test's temporary folder.
 inline std::string temp_path(const std::string& stem) {
+    // CTest runs each test in a process of its own, several at once: the process id keeps their
+    // files apart.
     static int counter = 0;
-    return ::testing::TempDir() + "qv5_road_" + stem + "_" + std::to_string(++counter) + ".qv5r";
+    return ::testing::TempDir() + "qv5_road_" + stem + "_" + std::to_string(::getpid()) + "_" +
+           std::to_string(++counter) + ".qv5r";
 }
 
 inline Bytes file_bytes(const std::string& path) {
