@@ -21,6 +21,7 @@ namespace {
 
 struct RoadOptions {
     std::string file;
+    std::string alignment; ///< of a LandXML file that holds several
     bool json = false;
     bool raw = false;
 };
@@ -170,7 +171,7 @@ int run_road(const RoadOptions& options) {
     CGeoRoad road;
     RoadForm form = RoadForm::description;
     std::vector<JobError> errors;
-    if (!load_road(options.file, road, form, errors)) {
+    if (!load_road(options.file, road, form, errors, options.alignment)) {
         report_road_errors(options.file, form, errors);
         return kExitBadArguments;
     }
@@ -348,8 +349,10 @@ CommandRunner add_road_options(CLI::App& command) {
     auto options = std::make_shared<RoadOptions>();
     CLI::App* cmd = &command;
     cmd->add_option("file", options->file,
-                    "Road description (JSON, see docs/road-json.md), road file, or a road file's "
-                    "text (told apart by content)");
+                    "Road description (JSON, see docs/road-json.md), road file, a road file's "
+                    "text, or LandXML (told apart by content)");
+    cmd->add_option("--alignment", options->alignment,
+                    "The alignment to read from a LandXML file that holds several");
     const RoadFileRunner file_commands = add_road_file_commands(*cmd);
     return [options, file_commands]() {
         if (const std::optional<int> code = file_commands()) {

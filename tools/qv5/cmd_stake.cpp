@@ -50,6 +50,7 @@ enum class Format { text, json, csv };
 
 struct StakeOptions {
     std::string road_file;
+    std::string alignment; ///< of a LandXML road file that holds several
     std::string calibration_file;
     std::string control_file;
     std::string input_file;
@@ -80,14 +81,14 @@ fs::path data_path(const char* file) {
     return fs::path(QV5_SOURCE_DATA_DIR) / file;
 }
 
-bool load_stake_road(const std::string& file, CGeoRoad& road) {
+bool load_stake_road(const std::string& file, const std::string& alignment, CGeoRoad& road) {
     if (!std::ifstream(file)) {
         report_error("stake: cannot read road '" + file + "'");
         return false;
     }
     RoadForm form = RoadForm::description;
     std::vector<JobError> errors;
-    if (!load_road(file, road, form, errors)) {
+    if (!load_road(file, road, form, errors, alignment)) {
         report_road_errors(file, form, errors);
         return false;
     }
@@ -619,7 +620,7 @@ int run_stake(const StakeOptions& o) {
         return kExitBadArguments;
     }
     CGeoRoad road;
-    if (!load_stake_road(o.road_file, road)) {
+    if (!load_stake_road(o.road_file, o.alignment, road)) {
         return kExitBadData;
     }
     std::unique_ptr<CGeoTransformation> calibration;
@@ -659,8 +660,10 @@ CommandRunner add_stake_options(CLI::App& command) {
     auto o = std::make_shared<StakeOptions>();
     CLI::App* cmd = &command;
     cmd->add_option("--road", o->road_file,
-                    "Road: JSON description (docs/road-json.md), road file or its text")
+                    "Road: JSON description (docs/road-json.md), road file or its text, or LandXML")
         ->required();
+    cmd->add_option("--alignment", o->alignment,
+                    "The alignment to read from a LandXML road file that holds several");
     cmd->add_option("--calibration", o->calibration_file,
                     "Calibration JSON written by 'qv5 calibrate --save'");
     cmd->add_option("--control", o->control_file,

@@ -8,6 +8,7 @@
 #include "qv5/geoline.h"
 #include "qv5/geospiral.h"
 #include "qv5/geotemplate.h"
+#include "qv5/landxml.h"
 
 #include <fmt/format.h>
 
@@ -16,6 +17,7 @@
 #include <cstring>
 #include <filesystem>
 #include <initializer_list>
+#include <iostream>
 #include <limits>
 #include <optional>
 
@@ -621,9 +623,55 @@ std::string describe_road_file_problem(const georoad_FileReport& report) {
     return "unknown problem";
 }
 
+namespace {
+
+/// "<Curve> at station 1 234.5 m: ..." for a LandXML finding.
+std::string landxml_message(const qv5::landxml::Message& m) {
+    std::string text;
+    if (!m.element.empty()) {
+        text += "<" + m.element + "> ";
+    }
+    if (m.station != GEO_NULL) {
+        text += fmt::format("at station {:.3f} m ", m.station);
+    }
+    return text + m.text;
+}
+
+/// A road from a LandXML alignment; its warnings go to standard error as they are found.
+bool load_landxml(const std::string& path, const std::string& content, const std::string& alignment,
+                  CGeoRoad& road, std::vector<JobError>& errors) {
+    qv5::landxml::ReadOptions options;
+    options.alignment = alignment;
+    const qv5::landxml::ReadResult result = qv5::landxml::read_road(content, road, options);
+    for (const qv5::landxml::Message& w : result.warnings) {
+        std::cerr << escape_control(
+            fmt::format("qv5: warning: {}:{}: {}\n", path, w.line, landxml_message(w)));
+    }
+    if (result.ok) {
+        return true;
+    }
+    for (const qv5::landxml::Message& e : result.errors) {
+        errors.push_back({e.line, landxml_message(e)});
+    }
+    if (alignment.empty() && result.alignments.size() > 1) {
+        std::string names;
+        for (const qv5::landxml::AlignmentSummary& a : result.alignments) {
+            names += fmt::format("{}\"{}\" (line {}, {} elements)", names.empty() ? "" : ", ",
+                                 a.name, a.line, a.horizontal_elements);
+        }
+        errors.push_back({0, "choose one with --alignment NAME: " + names});
+    }
+    return false;
+}
+
+} // namespace
+
 RoadForm road_form_of(const std::string& content) {
     if (looks_like_road_file(content)) {
         return RoadForm::road_file;
+    }
+    if (qv5::landxml::looks_like_landxml(content)) {
+        return RoadForm::landxml;
     }
     const json text = json::parse(content, nullptr, false);
     if (!text.is_discarded() && text.is_object() && text.contains("format") &&
@@ -634,7 +682,7 @@ RoadForm road_form_of(const std::string& content) {
 }
 
 bool load_road(const std::string& path, CGeoRoad& road, RoadForm& form,
-               std::vector<JobError>& errors) {
+               std::vector<JobError>& errors, const std::string& alignment) {
     road.Reset();
     form = RoadForm::description;
     std::string content;
@@ -656,6 +704,9 @@ bool load_road(const std::string& path, CGeoRoad& road, RoadForm& form,
             return false;
         }
         return true;
+    }
+    if (form == RoadForm::landxml) {
+        return load_landxml(path, content, alignment, road, errors);
     }
     if (form == RoadForm::road_file_text) {
         std::string error;
@@ -689,6 +740,13 @@ bool load_road(const std::string& path, CGeoRoad& road, RoadForm& form,
 
 void report_road_errors(const std::string& path, RoadForm form,
                         const std::vector<JobError>& errors) {
+    if (form == RoadForm::landxml) {
+        for (const JobError& e : errors) {
+            report_error(e.line > 0 ? fmt::format("{}:{}: {}", path, e.line, e.message)
+                                    : path + ": " + e.message);
+        }
+        return;
+    }
     if (form == RoadForm::description && !(errors.size() == 1 && errors[0].line == 0)) {
         report_file_errors(path, errors, "road description not used");
         return;

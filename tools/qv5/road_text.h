@@ -35,7 +35,8 @@ std::string describe_road_file_problem(const georoad_FileReport& report);
 enum class RoadForm {
     road_file,      ///< the binary road file ("Halvik QV5" at byte 0)
     road_file_text, ///< the road file's values as JSON (road_to_json, with its "format" field)
-    description     ///< the designer's JSON description (see docs/road-json.md)
+    description,    ///< the designer's JSON description (see docs/road-json.md)
+    landxml         ///< a LandXML alignment (see docs/landxml.md)
 };
 
 /// The form of a file's content.
@@ -46,9 +47,11 @@ RoadForm road_form_of(const std::string& content);
 /// @param[out] form the form the file was found in
 /// @param[out] errors what was wrong: for a road file or its text one problem of the file as a
 ///             whole; for a description every bad field with its line
+/// @param alignment for a LandXML file, the alignment to read (needed only when the file holds
+///        several; the errors then list them)
 /// @return false when the road could not be loaded (it is then empty)
 bool load_road(const std::string& path, CGeoRoad& road, RoadForm& form,
-               std::vector<JobError>& errors);
+               std::vector<JobError>& errors, const std::string& alignment = {});
 
 /// Reports load_road's errors on standard error: one line naming the file and what was wrong for
 /// a road file or its text, each bad field and a verdict for a description.
