@@ -8,10 +8,12 @@ QV5_PACKAGES=(
     clang-14 libclang-rt-14-dev           # sanitizer run and libFuzzer
     clang-format                          # formatting check
     libfmt-dev libcairo2-dev              # library
+    libpugixml-dev                        # LandXML exchange component
     fonts-dejavu-core                     # the drawing layer's font
     libcli11-dev nlohmann-json3-dev       # command-line program
     libgtest-dev libgmock-dev             # tests
     libproj-dev libgeographiclib-dev      # independent geodesy references for the tests
+    proj-bin                              # cct, run on the calibration's PROJ pipeline by the tests
     libbenchmark-dev                      # benchmarks
 )
 
