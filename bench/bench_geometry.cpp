@@ -203,6 +203,22 @@ QV5_BARE void bare_station_offset_dot_cross_impl(const geo_nee& a, const geo_nee
     offset = (pe * ln - pn * le) * inverse_length; // positive to the right of travel
 }
 
+/// A warm line's point at a station: the start stepped along the line's cosine and sine and up
+/// its grade's tangent, all three worked out beforehand, as a line that has answered before
+/// holds them. Three multiply-adds: the floor of GridHorzPoint on a warm line.
+struct WarmLine {
+    geo_nee start;
+    double cos_azimuth;
+    double sin_azimuth;
+    double tan_grade;
+};
+
+QV5_BARE void bare_warm_line_point_impl(const WarmLine& line, double station, geo_nee& out) {
+    out.north = line.start.north + line.cos_azimuth * station;
+    out.east = line.start.east + line.sin_azimuth * station;
+    out.elev = line.start.elev + line.tan_grade * station;
+}
+
 // ---- benchmarks ----------------------------------------------------------------------------
 
 void register_all() {
@@ -225,6 +241,7 @@ void register_all() {
     const auto bare_station_offset = opaque(&bare_station_offset_impl);
     const auto bare_horz_offset_point = opaque(&bare_horz_offset_point_impl);
     const auto bare_station_offset_dot_cross = opaque(&bare_station_offset_dot_cross_impl);
+    const auto bare_warm_line_point = opaque(&bare_warm_line_point_impl);
     const auto p = [&in](std::size_t i, int k) -> const geo_nee& {
         while (k-- > 0) {
             i = next(i);
@@ -406,6 +423,28 @@ void register_all() {
         [=](std::size_t i) {
             geo_nee out;
             bare_horz_offset_point(p(i, 0), p(i, 1), d(i), a(i, 0), out);
+            benchmark::DoNotOptimize(out.north);
+        });
+
+    // A warm line (set once, asked before): the point at a station, into a point the host
+    // holds, as the road iterator asks its element on every call of a walking surveyor.
+    geo_nee warm_start{5000.0, 2000.0, 100.0};
+    geo_nee warm_end{5600.0, 2450.0, 104.5};
+    auto warm = std::make_shared<CGeoLine>(warm_start, warm_end);
+    auto warm_out = std::make_shared<CGeoPoint>();
+    warm->GridHorzPoint(1.0, *warm_out);
+    const double warm_azimuth = warm->GridAzimuth();
+    const WarmLine warm_bare{warm_start, std::cos(warm_azimuth), std::sin(warm_azimuth),
+                             std::tan(warm->GeoidGrade())};
+    pair(
+        "CGeoLine_GridHorzPoint_WarmLine",
+        [=](std::size_t i) {
+            warm->GridHorzPoint(d(i), *warm_out);
+            benchmark::DoNotOptimize(*warm_out);
+        },
+        [=](std::size_t i) {
+            geo_nee out;
+            bare_warm_line_point(warm_bare, d(i), out);
             benchmark::DoNotOptimize(out.north);
         });
 }

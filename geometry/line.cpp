@@ -36,7 +36,33 @@ bool same_bits(const geo_nee& a, const geo_nee& b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
+bool same_bits(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
 } // namespace
+
+namespace qv5::detail {
+
+/// Steps from a line's start with the cos, sin and tan graded_step would take, worked out again
+/// only when the azimuth or grade differs in any bit from the line's last step.
+struct LineSteps {
+    static geo_nee from_start(CGeoLine& line, const Heading& heading) {
+        const geo_nee start = grid_of(line.m_startPt);
+        if (!line.m_stepKnown || !same_bits(line.m_stepAzimuth, heading.azimuth) ||
+            !same_bits(line.m_stepGrade, heading.grade)) {
+            line.m_stepAzimuth = heading.azimuth;
+            line.m_stepGrade = heading.grade;
+            line.m_stepCos = std::cos(heading.azimuth);
+            line.m_stepSin = std::sin(heading.azimuth);
+            line.m_stepTan = std::tan(heading.grade);
+            line.m_stepKnown = true;
+        }
+        return step_end(start, line.m_stepCos, line.m_stepSin, heading.distance, line.m_stepTan);
+    }
+};
+
+} // namespace qv5::detail
 
 CGeoLine::CGeoLine()
     : m_azimuth(0.0), m_hDistance(0.0), m_grade(0.0), m_vDistance(0.0), m_deltaNorth(0.0),
@@ -277,6 +303,24 @@ double CGeoLine::GridOffset(CGeoPoint& point) {
 }
 
 void CGeoLine::GridHorzPoint(double station, CGeoPoint& result) {
+    // A warm line (its azimuth, length and grade known) steps from its start with the trigonometry
+    // of its last step and writes the result once. The cold path derives first and copies the
+    // start before and after, so that a result that is one of the line's own ends, or an end whose
+    // grid is derived on the way, comes out as it always has.
+    const bool own_end = &result == &m_startPt || &result == &m_endPt;
+    if (!own_end && is_known(m_known, kKnownAzimuth | kKnownHDistance | kKnownGrade)) {
+        if (m_azimuth == GEO_NULL || m_hDistance == GEO_NULL) {
+            result = m_startPt;
+            return;
+        }
+        const Heading heading =
+            station > 0.0 ? forwards(m_azimuth, station, m_grade)
+                          : forwards(normalised_bearing(m_azimuth - kPi), -station, -m_grade);
+        const geo_nee end = LineSteps::from_start(*this, heading);
+        result = m_startPt; // keeps the start's station link
+        result.SetGrid(end);
+        return;
+    }
     result = m_startPt;
     const double azimuth = GridAzimuth();
     if (azimuth == GEO_NULL || GridHDistance() == GEO_NULL) {
@@ -287,7 +331,7 @@ void CGeoLine::GridHorzPoint(double station, CGeoPoint& result) {
     const Heading heading =
         station > 0.0 ? forwards(azimuth, station, GeoidGrade())
                       : forwards(normalised_bearing(azimuth - kPi), -station, -GeoidGrade());
-    const geo_nee end = far_end(m_startPt, heading);
+    const geo_nee end = LineSteps::from_start(*this, heading);
     result = m_startPt; // keeps the start's station link
     result.SetGrid(end);
 }

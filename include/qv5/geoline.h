@@ -9,6 +9,10 @@
 
 #include <cstdint>
 
+namespace qv5::detail {
+struct LineSteps; // the library's own reuse of a line's step trigonometry
+} // namespace qv5::detail
+
 /// A straight line from a start point to an end point.
 ///
 /// Azimuth, horizontal length, grade, height difference and coordinate differences are derived
@@ -119,6 +123,8 @@ private:
     double EnsureHDistance();
     double EnsureVDistance();
     double EnsureGrade();
+    friend struct qv5::detail::LineSteps;
+
     void SnapToLine(double& station, CGeoPoint& point, double tolerance);
     bool VectorToPoint(CGeoPoint& point, double& length, double& azimuth);
 
@@ -140,6 +146,16 @@ private:
     geo_nee m_lastTo;
     double m_lastLength;
     double m_lastAzimuth;
+
+    // The cosine and sine of the azimuth and the tangent of the grade of the last step taken from
+    // the start to a station, keyed by the exact bits of that azimuth and grade: a host walking
+    // along the line asks for point after point in one sense, and each reuses them.
+    bool m_stepKnown = false;
+    double m_stepAzimuth = 0.0;
+    double m_stepGrade = 0.0;
+    double m_stepCos = 0.0;
+    double m_stepSin = 0.0;
+    double m_stepTan = 0.0;
 };
 
 #endif // QV5_GEOLINE_H

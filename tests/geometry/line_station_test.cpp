@@ -252,6 +252,42 @@ TEST(LineHorzPoint, LineWithoutAzimuthGivesTheStartUnchanged) {
     EXPECT_EQ(result.Elevation(), 50.0);
 }
 
+TEST(LineHorzPoint, WarmLineAnswersAsAFreshOneInBothSensesAndAfterEverySet) {
+    // One line asked again and again (forwards, backwards, forwards), then set to another
+    // direction and grade: every point is what a fresh line gives, to the bit.
+    CGeoLine warm = reference_line();
+    const double stations[] = {20.0, 35.0, -10.0, 0.0, 70.0, -0.0, 50.0};
+    for (int round = 0; round < 2; ++round) {
+        for (double station : stations) {
+            CGeoLine fresh = round == 0 ? reference_line()
+                                        : line_between({500.0, 300.0, 20.0}, {460.0, 330.0, 19.0});
+            CGeoPoint expected;
+            fresh.GridHorzPoint(station, expected);
+            CGeoPoint result;
+            warm.GridHorzPoint(station, result);
+            EXPECT_EQ(result.Northing(), expected.Northing()) << round << " " << station;
+            EXPECT_EQ(result.Easting(), expected.Easting()) << round << " " << station;
+            EXPECT_EQ(result.Elevation(), expected.Elevation()) << round << " " << station;
+        }
+        CGeoPoint start(geo_nee{500.0, 300.0, 20.0});
+        CGeoPoint end(geo_nee{460.0, 330.0, 19.0});
+        warm.Set(start, end);
+    }
+    // Independently: 50 m from (500, 300) towards (460, 330) is (-0.8, 0.6) per metre, falling
+    // 1 m in 50 m.
+    CGeoPoint result;
+    warm.GridHorzPoint(25.0, result);
+    expect_at(result, 480.0, 315.0, 19.5);
+}
+
+TEST(LineHorzPoint, WarmLineWritingIntoItsOwnStartMovesIt) {
+    CGeoLine line = reference_line();
+    CGeoPoint ignored;
+    line.GridHorzPoint(10.0, ignored); // warm
+    line.GridHorzPoint(20.0, line.StartPt());
+    expect_at(line.StartPt(), 112.0, 216.0, 51.0);
+}
+
 TEST(LineHorzPoint, LineSetFromDirectionUsesItsCachedGrade) {
     CGeoPoint start(geo_nee{0.0, 0.0, 100.0});
     CGeoLine line;
