@@ -245,3 +245,16 @@ TEST(StakeSection, LineAcrossTheRoadListsItsBreaks) {
     EXPECT_NE(r.out.find("CL###"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("Edge of lane"), std::string::npos) << r.out;
 }
+
+// A CSV column has one unit whatever the user chose: the default units are US survey feet with
+// a stationing style, and the CSV still gives every station, offset and elevation in metres.
+TEST(StakeCsv, ColumnsAreMetresWhateverTheUnits) {
+    const std::string input = kData + "/sample-shots.csv";
+    const auto units = qv5::test::run_qv5(with(sample_args(), {"--input", input, "--csv"}));
+    const auto raw =
+        qv5::test::run_qv5(with(sample_args(), {"--input", input, "--csv", "--raw"}));
+    ASSERT_EQ(units.exit_code, 0) << units.err;
+    EXPECT_EQ(units.out, raw.out);
+    EXPECT_EQ(units.out.find('\''), std::string::npos) << units.out;
+    EXPECT_EQ(units.out.find('+'), std::string::npos) << units.out;
+}

@@ -185,10 +185,11 @@ public:
                                note_of(r));
         }
         if (m_format == Format::csv) {
+            // Every column in metres and radians, whatever the user's units: a station in a
+            // stationing style beside offsets in metres would read as one unit and be another.
             const bool sig = r.significant_station != GEO_NULL;
             return fmt::format(
-                "{},{},{},{},{},{},{},{},{},{},{},{},{},{},{},{}\n", shot.name,
-                m_show.raw() ? fixed(r.station, 4) : m_show.station(r.station, 3),
+                "{},{},{},{},{},{},{},{},{},{},{},{},{},{},{},{}\n", shot.name, fixed(r.station, 4),
                 fixed(r.offset, 4), side_text(r.offset), fixed(r.design, 4), fixed(r.cut, 4),
                 fixed(r.centreline, 4), fixed(r.azimuth, 8), fixed(r.grade, 8),
                 surface_name(r.surface),

@@ -39,6 +39,40 @@ StakeResult failed(StakeResult r, std::string why) {
     return r;
 }
 
+/// How far the station the road's own search finds for a foot on the centreline can lie from the
+/// station the foot was placed at, metres: the spirals place and invert points to a millimetre;
+/// fifty times that leaves room to spare.
+constexpr double kFootStationMargin = 0.05;
+
+/// Whether a foot on the centreline at `station` can lie within `tolerance` of a significant
+/// station (an element's start, the road's start, an even station), so that FindClosestHorzPt
+/// may name one. When this says no, the search would answer 0 and is not run: a row far from
+/// every significant station (most rows) is spared the search's second pass over the road.
+bool may_be_significant(const CGeoRoad& road, double station, double tolerance) {
+    const double reach = tolerance + kFootStationMargin;
+    const double interval = road.StationInterval();
+    // Negative stations, and stations that cannot be measured against the even stations, are
+    // left to the search itself.
+    if (!std::isfinite(station) || station - kFootStationMargin <= 0.0 || interval == GEO_NULL ||
+        !(interval > 0.0) || !std::isfinite(interval) || !std::isfinite(reach)) {
+        return true;
+    }
+    const double past_even = station - std::trunc(station / interval) * interval;
+    if (past_even < reach || interval - past_even < reach) {
+        return true;
+    }
+    // Every element start, in a plain scan: the cold start that placed the shot has just walked
+    // every element at far greater cost.
+    const int count = road.NumberHorizontalElements();
+    for (int k = 0; k < count; ++k) {
+        const double start = road.HorzElementStartStation(k);
+        if (!std::isfinite(start) || std::fabs(station - start) < reach) {
+            return true;
+        }
+    }
+    return std::fabs(station - road.StartStationHorizontal()) < reach;
+}
+
 } // namespace
 
 RowKind parse_shot_row(std::string_view line, ShotCoordinates coordinates, Shot& shot,
@@ -170,7 +204,7 @@ StakeResult stake_shot(CGeoRoad& road, CGeoRoadIterator& iterator,
     CGeoPoint foot;
     double azimuth = GEO_NULL;
     iterator.CenterlinePoint(r.station, 0.0, 0.0, foot, azimuth, nullptr, nullptr);
-    if (foot.Ok2DGrid() != 0) {
+    if (foot.Ok2DGrid() != 0 && may_be_significant(road, r.station, snap_tolerance)) {
         foot.SetGrid(foot.Northing(), foot.Easting(), r.centreline);
         double station = GEO_NULL;
         georoad_HorzTransitionType type = georoad_TransNone;
