@@ -6,6 +6,10 @@
 // centreline elevation, azimuth and grade from the road description with plain formulas.
 #include "csv_text.h"
 #include "qv5_program.h"
+#include "road_text.h"
+#include "stake_rows.h"
+
+#include "qv5/qv5lib.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -251,10 +255,59 @@ TEST(StakeSection, LineAcrossTheRoadListsItsBreaks) {
 TEST(StakeCsv, ColumnsAreMetresWhateverTheUnits) {
     const std::string input = kData + "/sample-shots.csv";
     const auto units = qv5::test::run_qv5(with(sample_args(), {"--input", input, "--csv"}));
-    const auto raw =
-        qv5::test::run_qv5(with(sample_args(), {"--input", input, "--csv", "--raw"}));
+    const auto raw = qv5::test::run_qv5(with(sample_args(), {"--input", input, "--csv", "--raw"}));
     ASSERT_EQ(units.exit_code, 0) << units.err;
     EXPECT_EQ(units.out, raw.out);
     EXPECT_EQ(units.out.find('\''), std::string::npos) << units.out;
     EXPECT_EQ(units.out.find('+'), std::string::npos) << units.out;
+}
+
+// The significant station of a staked shot is what the road's own snapping search names for the
+// shot's foot on the centreline, for shots spread every 7 cm along the whole sample road (so
+// that every even station and element joint is passed close by) and for several snap distances.
+TEST(StakeSignificantStation, IsTheRoadsOwnSearchForTheFoot) {
+    CGeoRoad road;
+    qv5::cli::RoadForm form{};
+    std::vector<qv5::cli::JobError> errors;
+    ASSERT_TRUE(qv5::cli::load_road(kData + "/sample-road.json", road, form, errors));
+    CGeoRoadIterator placer;
+    placer.Set(&road);
+    CGeoRoadIterator it;
+    const double start = road.StartStationHorizontal();
+    const double end = road.EndStationHorizontal();
+    int named = 0;
+    int checked = 0;
+    for (const double snap : {0.05, 1.0, 3.0}) {
+        for (double station = start + 0.013; station < end; station += 0.07) {
+            CGeoPoint shot;
+            double azimuth = GEO_NULL;
+            placer.CenterlinePoint(station, 2.5, 0.1, shot, azimuth, nullptr, nullptr);
+            if (shot.Ok3DGrid() == 0) {
+                continue;
+            }
+            const qv5::cli::Shot row{"", shot.Northing(), shot.Easting(), shot.Elevation()};
+            const qv5::cli::StakeResult r =
+                qv5::cli::stake_shot(road, it, nullptr, qv5::cli::ShotCoordinates::grid, row, snap);
+            if (!r.ok) {
+                continue;
+            }
+            CGeoPoint foot;
+            it.Set(&road);
+            it.CenterlinePoint(r.station, 0.0, 0.0, foot, azimuth, nullptr, nullptr);
+            foot.SetGrid(foot.Northing(), foot.Easting(), r.centreline);
+            double expected = GEO_NULL;
+            georoad_HorzTransitionType type = georoad_TransNone;
+            const int found = road.FindClosestHorzPt(foot, snap, expected, type);
+            ++checked;
+            if (found != 0) {
+                ++named;
+                EXPECT_EQ(r.significant_station, expected) << station << " snap " << snap;
+                EXPECT_EQ(r.significant_type, type) << station << " snap " << snap;
+            } else {
+                EXPECT_EQ(r.significant_station, GEO_NULL) << station << " snap " << snap;
+            }
+        }
+    }
+    EXPECT_GT(checked, 50000);
+    EXPECT_GT(named, 1000); // the comparison is not vacuous
 }
