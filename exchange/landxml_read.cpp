@@ -743,12 +743,21 @@ private:
         return true;
     }
 
+    /// The alignment's length is only a check on its elements: one that is not a number is
+    /// reported as a warning and the road stands as its elements give it.
     void check_length(const pugi::xml_node& alignment, CGeoRoad& road) {
-        double length = 0.0;
-        bool present = false;
-        if (!number(alignment, "length", m_units.metres, length, false, &present) || !present) {
+        const pugi::xml_attribute a = attribute(alignment, "length");
+        if (!a) {
             return;
         }
+        const auto parsed = detail::parse_number(a.value(), false);
+        if (!parsed) {
+            m_station = GEO_NULL;
+            warning(alignment, std::string("attribute length is not a number: \"") + a.value() +
+                                   "\"; the elements' total stands");
+            return;
+        }
+        const double length = *parsed * m_units.metres;
         const double computed = road.EndStationHorizontal() - road.StartStationHorizontal();
         if (std::fabs(computed - length) > m_tolerance) {
             m_station = GEO_NULL;

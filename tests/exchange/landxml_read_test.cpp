@@ -249,6 +249,22 @@ TEST(LandXmlRead, RadiusDisagreeingWithCentreIsAWarningWithStation) {
     expect_metric_line_arc(road, kFixtureTolerance);
 }
 
+TEST(LandXmlRead, AlignmentLengthThatIsNotANumberIsAWarningAndTheRoadStands) {
+    std::string xml = fixture("metric-line-arc.xml");
+    const std::string from = "<Alignment name=\"Main Street\" length=\"307.079632679\"";
+    ASSERT_NE(xml.find(from), std::string::npos);
+    xml.replace(xml.find(from), from.size(),
+                "<Alignment name=\"Main Street\" length=\"307.radius=79\"");
+    CGeoRoad road;
+    const auto result = qv5::landxml::read_road(xml, road);
+    ASSERT_TRUE(result.ok) << messages(result);
+    EXPECT_TRUE(result.errors.empty()) << messages(result);
+    ASSERT_EQ(result.warnings.size(), 1u) << messages(result);
+    EXPECT_EQ(result.warnings[0].element, "Alignment");
+    EXPECT_NE(result.warnings[0].text.find("307.radius=79"), std::string::npos);
+    expect_metric_line_arc(road, kFixtureTolerance);
+}
+
 TEST(LandXmlRead, SpiralEndFarFromTheClothoidIsAWarning) {
     std::string xml = fixture("spirals-1.1-prefixed.xml");
     const std::string from = "<lx:End>1308.590986858 556.981379756</lx:End>";

@@ -17,6 +17,7 @@
 #include "road_json.h"
 #include "road_text.h"
 #include "stake_rows.h"
+#include "text_stream.h"
 #include "units_output.h"
 
 #include "qv5/qv5lib.h"
@@ -188,16 +189,41 @@ public:
             // Every column in metres and radians, whatever the user's units: a station in a
             // stationing style beside offsets in metres would read as one unit and be another.
             const bool sig = r.significant_station != GEO_NULL;
-            return fmt::format(
-                "{},{},{},{},{},{},{},{},{},{},{},{},{},{},{},{}\n", shot.name, fixed(r.station, 4),
-                fixed(r.offset, 4), side_text(r.offset), fixed(r.design, 4), fixed(r.cut, 4),
-                fixed(r.centreline, 4), fixed(r.azimuth, 8), fixed(r.grade, 8),
-                surface_name(r.surface),
-                r.catch_offset == GEO_NULL ? std::string() : fixed(r.catch_offset, 4),
-                sig ? fixed(r.significant_station, 4) : std::string(),
-                sig ? transition_name(r.significant_type) : std::string(), fixed(r.grid.north, 4),
-                fixed(r.grid.east, 4), fixed(r.grid.elev, 4));
+            fmt::memory_buffer out;
+            append_csv_field(out, shot.name);
+            const auto text = [&out](std::string_view value) {
+                out.push_back(',');
+                out.append(value);
+            };
+            const auto number = [&out](double value, int decimals) {
+                out.push_back(',');
+                append_fixed(out, value, decimals);
+            };
+            const auto optional = [&out](bool present, double value) {
+                out.push_back(',');
+                if (present) {
+                    append_fixed(out, value, 4);
+                }
+            };
+            number(r.station, 4);
+            number(r.offset, 4);
+            text(side_text(r.offset));
+            number(r.design, 4);
+            number(r.cut, 4);
+            number(r.centreline, 4);
+            number(r.azimuth, 8);
+            number(r.grade, 8);
+            text(surface_name(r.surface));
+            optional(r.catch_offset != GEO_NULL, r.catch_offset);
+            optional(sig, r.significant_station);
+            text(sig ? transition_name(r.significant_type) : std::string());
+            number(r.grid.north, 4);
+            number(r.grid.east, 4);
+            number(r.grid.elev, 4);
+            out.push_back('\n');
+            return fmt::to_string(out);
         }
+
         nlohmann::ordered_json j = {
             {"name", shot.name},
             {"station", json_number(r.station)},

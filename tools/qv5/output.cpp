@@ -7,6 +7,7 @@
 
 #include "text_stream.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -26,10 +27,24 @@ std::string without_negative_zero(std::string text) {
 }
 
 std::string fixed(double value, int decimals) {
+    fmt::memory_buffer text;
+    append_fixed(text, value, decimals);
+    return fmt::to_string(text);
+}
+
+void append_fixed(fmt::memory_buffer& out, double value, int decimals) {
     if (value == GEO_NULL) {
-        return "-";
+        out.push_back('-');
+        return;
     }
-    return without_negative_zero(fmt::format("{:.{}f}", value, decimals));
+    const std::size_t first = out.size();
+    fmt::format_to(std::back_inserter(out), "{:.{}f}", value, decimals);
+    // A value that rounds to zero is shown as zero, never as negative zero.
+    const std::string_view text(out.data() + first, out.size() - first);
+    if (text.front() == '-' && text.find_first_of("123456789") == std::string_view::npos) {
+        std::copy(out.data() + first + 1, out.data() + out.size(), out.data() + first);
+        out.resize(out.size() - 1);
+    }
 }
 
 std::string escape_control(std::string_view text) {

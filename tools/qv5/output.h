@@ -4,6 +4,7 @@
 
 #include "csv_text.h"
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <initializer_list>
@@ -20,6 +21,10 @@ inline constexpr int kExitBadData = 1;
 
 /// A quantity for text output with a fixed number of decimals; "-" for `GEO_NULL`.
 std::string fixed(double value, int decimals);
+
+/// Appends what `fixed` gives to `out`, without a string of its own: the row writers of the
+/// streaming commands format every field of a row into one buffer.
+void append_fixed(fmt::memory_buffer& out, double value, int decimals);
 
 /// Text with a minus sign before nothing but zeros ("-0.00'", "-0.000") without it: a value
 /// that rounds to zero is shown as zero, never as negative zero.
