@@ -381,4 +381,28 @@ TEST(QV5Follow, BearingAndGradientMayBeGivenInDegrees) {
     EXPECT_NEAR(doc["east"].get<double>(), 10.0, 1e-12);
 }
 
+// A point converted far from the control points (the other hemisphere) is still converted, but
+// the program says on standard error, per row, that the calibration is carried far beyond its
+// points, and JSON output says so too; points inside the control points' reach say nothing.
+TEST(QV5Stream, FarOutsideTheCalibrationIsWarnedPerRow) {
+    const SavedSample saved;
+    const std::string rows = "IN,52.1,5.21,45\n"
+                             "FAR,-52.1,5.21,45\n"
+                             "IN2,52.11,5.2,45\n";
+    const auto r = qv5(convert_args(saved, "grid", {"--jsonl", "--raw"}), rows);
+    EXPECT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_EQ(lines_of(r.err).size(), 1u) << r.err;
+    EXPECT_NE(r.err.find("standard input:2: warning:"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("outside the calibration's control points"), std::string::npos);
+    const auto lines = lines_of(r.out);
+    ASSERT_EQ(lines.size(), 3u) << r.out;
+    EXPECT_EQ(nlohmann::json::parse(lines[0])["outside_calibration"], false);
+    EXPECT_EQ(nlohmann::json::parse(lines[1])["outside_calibration"], true);
+    EXPECT_EQ(nlohmann::json::parse(lines[2])["outside_calibration"], false);
+
+    const auto one = qv5(convert_args(saved, "grid", {"--raw", "--", "-52.1", "5.21", "45"}));
+    EXPECT_EQ(one.exit_code, 0) << one.err;
+    EXPECT_NE(one.err.find("convert: warning:"), std::string::npos) << one.err;
+}
+
 } // namespace

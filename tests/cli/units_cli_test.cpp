@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <sys/stat.h>
+
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -167,3 +170,56 @@ TEST(QV5Units, UnsetRegistryUsesTheXdgConfigFolder) {
 }
 
 } // namespace
+
+namespace {
+
+/// Runs qv5 with its settings in `registry`.
+qv5::test::ProgramResult run_with_settings(const std::string& registry,
+                                           const std::vector<std::string>& args) {
+    return qv5::test::run_program(QV5_CLI_PATH, args, {"QV5_REGISTRY=" + registry});
+}
+
+} // namespace
+
+TEST(QV5SettingsFile, ADamagedFileIsNamedOnceAndTheDefaultsServe) {
+    const qv5::test::ScratchFolder scratch;
+    const std::string registry = scratch.file("registry.reg");
+    ASSERT_EQ(run_with_settings(registry, {"units", "set", "grade", "rise-run"}).exit_code, 0);
+    std::string text = read_file(registry);
+    ASSERT_EQ(text.rfind("Windows Registry Editor Version 5.00", 0), 0u) << text;
+    text[3] = 'x'; // one character of the signature line
+    qv5::test::write_file(registry, text);
+
+    const auto r = run_with_settings(registry, {"units"});
+    EXPECT_EQ(r.exit_code, 0) << r.err;
+    EXPECT_TRUE(contains(r.out, "grade                percent")) << r.out; // the default
+    EXPECT_TRUE(contains(r.err, "warning: the settings file '" + registry + "'")) << r.err;
+    EXPECT_TRUE(contains(r.err, "Windows Registry Editor Version 5.00")) << r.err;
+    std::size_t lines = 0;
+    for (const char c : r.err) {
+        lines += c == '\n' ? 1 : 0;
+    }
+    EXPECT_EQ(lines, 1u) << r.err;
+    EXPECT_EQ(read_file(registry), text); // never written over
+}
+
+TEST(QV5SettingsFile, AGoodFileGivesNoWarning) {
+    const qv5::test::ScratchFolder scratch;
+    const std::string registry = scratch.file("registry.reg");
+    ASSERT_EQ(run_with_settings(registry, {"units", "set", "grade", "rise-run"}).exit_code, 0);
+    const auto r = run_with_settings(registry, {"units"});
+    EXPECT_EQ(r.exit_code, 0);
+    EXPECT_TRUE(r.err.empty()) << r.err;
+}
+
+TEST(QV5SettingsFile, AReadOnlyFileRefusesAChangeAndSaysWhy) {
+    // The mode bits count for every user, root too: a file marked read-only was marked so on
+    // purpose.
+    const qv5::test::ScratchFolder scratch;
+    const std::string registry = scratch.file("registry.reg");
+    ASSERT_EQ(run_with_settings(registry, {"units", "set", "grade", "percent"}).exit_code, 0);
+    ASSERT_EQ(::chmod(registry.c_str(), 0444), 0);
+    const auto r = run_with_settings(registry, {"units", "set", "grade", "rise-run"});
+    EXPECT_EQ(r.exit_code, 1);
+    EXPECT_TRUE(contains(r.err, "is read-only")) << r.err;
+}

@@ -119,7 +119,8 @@ public:
         }
     }
 
-    void row(std::string_view name, const geo_nee& grid, const geo_llh& wgs84) {
+    /// @param outside whether the point lies far outside the calibration's control points
+    void row(std::string_view name, const geo_nee& grid, const geo_llh& wgs84, bool outside) {
         switch (m_format) {
         case OutputFormat::table:
             table_row(name, grid, wgs84);
@@ -129,10 +130,10 @@ public:
             break;
         case OutputFormat::json:
             m_buf.append(std::string_view(m_rows == 0 ? "\n    " : ",\n    "));
-            json_row(name, grid, wgs84);
+            json_row(name, grid, wgs84, outside);
             break;
         case OutputFormat::jsonl:
-            json_row(name, grid, wgs84);
+            json_row(name, grid, wgs84, outside);
             m_buf.push_back('\n');
             break;
         }
@@ -228,7 +229,7 @@ private:
         append_json_string(m_buf, text);
     }
 
-    void json_row(std::string_view name, const geo_nee& grid, const geo_llh& wgs84) {
+    void json_row(std::string_view name, const geo_nee& grid, const geo_llh& wgs84, bool outside) {
         m_buf.append(std::string_view("{\"name\": "));
         append_json_string(m_buf, name);
         member("latitude_rad", wgs84.lat);
@@ -239,6 +240,8 @@ private:
         member("north", grid.north);
         member("east", grid.east);
         member("elevation", grid.elev);
+        m_buf.append(outside ? std::string_view(", \"outside_calibration\": true")
+                             : std::string_view(", \"outside_calibration\": false"));
         if (!m_show.raw()) {
             m_buf.append(std::string_view(", \"formatted\": {"));
             text_member("latitude", m_show.latitude(wgs84.lat, 11), true);
@@ -283,6 +286,23 @@ bool convert_one(CGeoTransformation& t, ConversionTarget target, const Conversio
         why = "cannot be computed: the calibration gives no finite WGS84 position here";
         return false;
     }
+    return true;
+}
+
+/// Whether a converted point lies far outside the calibration's control points, so far that the
+/// conversion carries the fitted similarity and plane a long way; says so on standard error.
+/// @param where the row's place ("FILE:LINE") or the argument's
+bool warn_if_outside(CGeoTransformation& t, const geo_nee& grid, const std::string& where) {
+    double distance = GEO_NULL;
+    double limit = GEO_NULL;
+    if (qv5::CalibrationReach(t, grid, distance, limit) != 1) {
+        return false;
+    }
+    const std::string how_far = distance == GEO_NULL ? std::string("farther than can be measured")
+                                                     : fmt::format("{:.0f} m", distance);
+    report_error(fmt::format("{}: warning: the point lies {} outside the calibration's control "
+                             "points (more than {:.0f} m): the calibration is extrapolated",
+                             where, how_far, limit));
     return true;
 }
 
@@ -340,7 +360,9 @@ int convert_stream(std::FILE* file, const std::string& source, CGeoTransformatio
                 } else if (!convert_one(t, target, in, grid, wgs84, why)) {
                     report(line_number, why);
                 } else {
-                    writer.row(in.name, grid, wgs84);
+                    const bool outside =
+                        warn_if_outside(t, grid, fmt::format("{}:{}", source, line_number));
+                    writer.row(in.name, grid, wgs84, outside);
                 }
             }
         }
@@ -430,7 +452,8 @@ int run_convert(const ConvertOptions& options) {
         geo_llh wgs84{};
         std::string why;
         if (convert_one(transformation, target, in, grid, wgs84, why)) {
-            writer.row(in.name, grid, wgs84);
+            const bool outside = warn_if_outside(transformation, grid, "convert");
+            writer.row(in.name, grid, wgs84, outside);
         } else {
             report_error("convert: " + why);
             status = kExitBadData;

@@ -5,6 +5,9 @@
 #include "output.h"
 #include "output_options.h"
 
+#include "qv5/hostfw.h"
+#include "qv5/settings.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -45,6 +48,18 @@ std::string man_page_path() {
         return QV5_INSTALL_MAN_PAGE;
     }
     return (exe.parent_path().parent_path() / QV5_INSTALL_MAN_PAGE).lexically_normal().string();
+}
+
+/// Warns once when the settings file that keeps the unit choices is there but cannot be read
+/// (the default units are then in force) or cannot be written (a change would not be kept): the
+/// library itself leaves such a file alone without a word.
+void warn_about_settings_file() {
+    CString file;
+    CString reason;
+    if (qv5::CheckSettingsFile(file, reason) == 0) {
+        qv5::cli::report_error("warning: the settings file '" + file.ToUtf8() + "' " +
+                               reason.ToUtf8());
+    }
 }
 
 } // namespace
@@ -98,6 +113,7 @@ int main(int argc, char** argv) {
         report_error(bad + " (run 'qv5 --help' for usage)");
         return kExitBadArguments;
     }
+    warn_about_settings_file();
     try {
         for (const auto& [cmd, run] : commands) {
             if (cmd->parsed()) {
