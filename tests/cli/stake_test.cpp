@@ -311,3 +311,25 @@ TEST(StakeSignificantStation, IsTheRoadsOwnSearchForTheFoot) {
     EXPECT_GT(checked, 50000);
     EXPECT_GT(named, 1000); // the comparison is not vacuous
 }
+
+// JSON Lines: one object per shot, each a whole JSON document with the numbers of --json.
+TEST(StakeJsonLines, OneObjectPerShotWithTheNumbersOfTheJsonDocument) {
+    const std::string input = kData + "/sample-shots.csv";
+    const auto lines =
+        qv5::test::run_qv5(with(sample_args(), {"--input", input, "--jsonl", "--raw"}));
+    const auto doc = qv5::test::run_qv5(with(sample_args(), {"--input", input, "--json", "--raw"}));
+    ASSERT_EQ(lines.exit_code, 0) << lines.err;
+    ASSERT_EQ(doc.exit_code, 0) << doc.err;
+    const auto shots = nlohmann::json::parse(doc.out)["shots"];
+    std::istringstream in(lines.out);
+    std::size_t n = 0;
+    for (std::string line; std::getline(in, line); ++n) {
+        ASSERT_LT(n, shots.size());
+        const auto object = nlohmann::json::parse(line);
+        EXPECT_EQ(object["name"], shots[n]["name"]);
+        EXPECT_EQ(object["station"], shots[n]["station"]);
+        EXPECT_EQ(object["cut_fill"], shots[n]["cut_fill"]);
+    }
+    EXPECT_EQ(n, shots.size());
+    EXPECT_GE(n, 20u);
+}

@@ -47,7 +47,9 @@ constexpr std::size_t kBlockRows = 2048;
 /// Default distance within which a shot's station is named by a significant station, metres.
 constexpr double kDefaultSnap = 1.0;
 
-enum class Format { text, json, csv };
+/// The run's output; JSON Lines (one object per shot) applies to streams of shots, and a single
+/// answer (--at, --section) is one JSON document either way.
+enum class Format { text, json, jsonl, csv };
 
 struct StakeOptions {
     std::string road_file;
@@ -60,6 +62,7 @@ struct StakeOptions {
     std::vector<std::string> at;
     std::vector<std::string> section;
     bool json = false;
+    bool jsonl = false;
     bool csv = false;
     bool raw = false;
     int threads = 0;
@@ -162,10 +165,10 @@ public:
             std::cout << "name,station,offset,side,design_elevation,cut_fill,"
                          "centreline_elevation,azimuth,grade,surface,catch_offset,"
                          "significant_station,significant_kind,north,east,elevation\n";
-        } else {
+        } else if (m_format == Format::json) {
             nlohmann::ordered_json head = {{"road", m_road}, {"files", m_files}};
             std::string text = head.dump(2);
-            text.pop_back(); // the closing brace: the shots follow
+            text.resize(text.size() - 2); // the closing line break and brace: the shots follow
             std::cout << text << ",\n  \"shots\": [";
         }
     }
@@ -257,6 +260,8 @@ public:
     void write(const std::string& text) {
         if (m_format == Format::json) {
             std::cout << (m_rows == 0 ? "\n    " : ",\n    ") << text;
+        } else if (m_format == Format::jsonl) {
+            std::cout << text << '\n';
         } else {
             std::cout << text;
         }
@@ -665,7 +670,7 @@ int run_stake(const StakeOptions& o) {
     if (!o.section.empty()) {
         return stake_section(o, road, show, format);
     }
-    return stake_rows(o, road, calibration.get(), show, format);
+    return stake_rows(o, road, calibration.get(), show, o.jsonl ? Format::jsonl : format);
 }
 
 void add_thread_option(CLI::App& cmd, StakeOptions& o) {
@@ -679,6 +684,7 @@ void add_thread_option(CLI::App& cmd, StakeOptions& o) {
 void take_output_options(StakeOptions& o) {
     const OutputOptions& output = output_options();
     o.json = output.json || output.jsonl;
+    o.jsonl = output.jsonl;
     o.csv = output.csv;
     o.raw = output.raw;
 }
