@@ -23,6 +23,20 @@ using namespace qv5::detail;
 
 namespace {
 
+/// The road's own copy of an element handed in to replace or go before another one, with the
+/// shape it was read to have; null (nothing made) when the type is unknown, the element is
+/// missing or its shape cannot be laid on a road, or the copy cannot be made.
+void* usable_copy(georoad_HorzElementType type, void* element, ElementShape& shape) {
+    if (!is_element_type(type) || element == nullptr) {
+        return nullptr;
+    }
+    shape = element_shape(type, element);
+    if (!is_usable_shape(type, shape)) {
+        return nullptr;
+    }
+    return clone_element(type, element);
+}
+
 RoadArrays arrays_of(HorzElementRecord* horz, int numHorz, VertElementRecord* vert, int numVert,
                      TemplateApplicationRecord* applications, int numApplications,
                      CGeoTemplate* templates, int numTemplates) {
@@ -356,14 +370,11 @@ int CGeoRoad::AddHorizontal(georoad_HorzElementType type, void* element) {
 }
 
 int CGeoRoad::InsertHorizontal(int n, georoad_HorzElementType type, void* element, int tangent) {
-    if (n < 0 || n >= m_numHorzElements || !is_element_type(type) || element == nullptr) {
+    if (n < 0 || n >= m_numHorzElements) {
         return 0;
     }
-    const ElementShape shape = element_shape(type, element);
-    if (!is_usable_shape(type, shape)) {
-        return 0;
-    }
-    void* copy = clone_element(type, element);
+    ElementShape shape{};
+    void* copy = usable_copy(type, element, shape);
     if (copy == nullptr) {
         return 0;
     }
@@ -386,14 +397,11 @@ int CGeoRoad::InsertHorizontal(int n, georoad_HorzElementType type, void* elemen
 }
 
 int CGeoRoad::SetNthHorizontal(int n, georoad_HorzElementType type, void* element, int tangent) {
-    if (n >= m_numHorzElements || n < 0 || !is_element_type(type) || element == nullptr) {
+    if (n >= m_numHorzElements || n < 0) {
         return 0;
     }
-    const ElementShape shape = element_shape(type, element);
-    if (!is_usable_shape(type, shape)) {
-        return 0;
-    }
-    void* copy = clone_element(type, element);
+    ElementShape shape{};
+    void* copy = usable_copy(type, element, shape);
     if (copy == nullptr) {
         return 0;
     }

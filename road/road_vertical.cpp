@@ -20,6 +20,25 @@ void report(georoad_Error* error, georoad_Error code) {
     }
 }
 
+/// Puts a new PVI's record at `at` (0 to count; count appends), the records from `at` on moving
+/// one place up. @return false, nothing changed, when the list cannot grow
+bool insert_record(VertElementRecord*& records, int& count, int at, georoad_VertElementType type,
+                   void* element) {
+    if (count == INT_MAX) {
+        return false;
+    }
+    void* grown = grow_records(records, std::size_t(count), sizeof(VertElementRecord));
+    if (grown == nullptr) {
+        return false;
+    }
+    records = static_cast<VertElementRecord*>(grown);
+    std::memmove(records + at + 1, records + at,
+                 sizeof(VertElementRecord) * std::size_t(count - at));
+    records[at] = empty_vertical_record(type, element);
+    ++count;
+    return true;
+}
+
 } // namespace
 
 int CGeoRoad::ValidateVertical(int previous, int next, georoad_VertElementType type, double station,
@@ -42,23 +61,15 @@ int CGeoRoad::AddVertical(georoad_VertElementType type, double station, double e
         report(error, georoad_VerticalError);
         return 0;
     }
+    const int at = m_numVertElements;
     void* element = new_vertical_element(type, station, elevation, length);
-    if (element == nullptr || OwnArrays() == 0 || m_numVertElements == INT_MAX) {
+    if (element == nullptr || OwnArrays() == 0 ||
+        !insert_record(m_vertElements, m_numVertElements, at, type, element)) {
         delete_vertical_element(type, element);
         report(error, georoad_MemoryError);
         return 0;
     }
-    void* grown =
-        grow_records(m_vertElements, std::size_t(m_numVertElements), sizeof(VertElementRecord));
-    if (grown == nullptr) {
-        delete_vertical_element(type, element);
-        report(error, georoad_MemoryError);
-        return 0;
-    }
-    m_vertElements = static_cast<VertElementRecord*>(grown);
-    m_vertElements[m_numVertElements] = empty_vertical_record(type, element);
-    ++m_numVertElements;
-    UpdateVerticalElements(m_numVertElements - 1);
+    UpdateVerticalElements(at);
     return 1;
 }
 
@@ -75,23 +86,12 @@ int CGeoRoad::InsertVertical(int n, georoad_VertElementType type, double station
         return 0;
     }
     void* element = new_vertical_element(type, station, elevation, length);
-    if (element == nullptr || OwnArrays() == 0 || m_numVertElements == INT_MAX) {
+    if (element == nullptr || OwnArrays() == 0 ||
+        !insert_record(m_vertElements, m_numVertElements, n, type, element)) {
         delete_vertical_element(type, element);
         report(error, georoad_MemoryError);
         return 0;
     }
-    void* grown =
-        grow_records(m_vertElements, std::size_t(m_numVertElements), sizeof(VertElementRecord));
-    if (grown == nullptr) {
-        delete_vertical_element(type, element);
-        report(error, georoad_MemoryError);
-        return 0;
-    }
-    m_vertElements = static_cast<VertElementRecord*>(grown);
-    std::memmove(m_vertElements + n + 1, m_vertElements + n,
-                 sizeof(VertElementRecord) * std::size_t(m_numVertElements - n));
-    m_vertElements[n] = empty_vertical_record(type, element);
-    ++m_numVertElements;
     UpdateVerticalElements(n);
     return 1;
 }
