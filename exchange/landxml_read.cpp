@@ -38,8 +38,30 @@ std::string_view local_name(const pugi::xml_node& node) {
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
 
+/// Whether the zero-terminated `full` name, less any namespace prefix, is `name` (letter case
+/// ignored when `any_case`). The names of every element and attribute are matched on every
+/// look-up, so the comparison stops at the first differing letter instead of measuring them.
+bool local_name_is(const char* full, std::string_view name, bool any_case) {
+    const char* local = full;
+    for (const char* p = full; *p != '\0'; ++p) {
+        if (*p == ':') {
+            local = p + 1;
+        }
+    }
+    const auto fold = [any_case](char c) {
+        return any_case && c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
+    };
+    std::size_t i = 0;
+    for (; i < name.size(); ++i) {
+        if (local[i] == '\0' || fold(local[i]) != fold(name[i])) {
+            return false;
+        }
+    }
+    return local[i] == '\0';
+}
+
 bool is(const pugi::xml_node& node, std::string_view name) {
-    return node.type() == pugi::node_element && local_name(node) == name;
+    return node.type() == pugi::node_element && local_name_is(node.name(), name, false);
 }
 
 pugi::xml_node child(const pugi::xml_node& node, std::string_view name) {
@@ -54,12 +76,7 @@ pugi::xml_node child(const pugi::xml_node& node, std::string_view name) {
 /// An attribute by name, ignoring a namespace prefix and letter case (exports differ on both).
 pugi::xml_attribute attribute(const pugi::xml_node& node, std::string_view name) {
     for (pugi::xml_attribute a = node.first_attribute(); a; a = a.next_attribute()) {
-        std::string_view n = a.name();
-        const auto colon = n.find(':');
-        if (colon != std::string_view::npos) {
-            n = n.substr(colon + 1);
-        }
-        if (n.size() == name.size() && strncasecmp(n.data(), name.data(), n.size()) == 0) {
+        if (local_name_is(a.name(), name, true)) {
             return a;
         }
     }

@@ -210,8 +210,8 @@ std::optional<double> parse_number(std::string_view text, bool allow_infinite) {
     return negative ? -value : value;
 }
 
-std::optional<std::vector<double>> parse_numbers(std::string_view text) {
-    std::vector<double> values;
+std::optional<PointNumbers> parse_numbers(std::string_view text) {
+    PointNumbers values;
     std::size_t i = 0;
     while (i < text.size()) {
         while (i < text.size() && is_space(text[i])) {
@@ -223,14 +223,14 @@ std::optional<std::vector<double>> parse_numbers(std::string_view text) {
         }
         if (j > i) {
             const auto value = parse_number(text.substr(i, j - i));
-            if (!value || values.size() == 3) {
+            if (!value || values.count == 3) {
                 return std::nullopt;
             }
-            values.push_back(*value);
+            values.values[values.count++] = *value;
         }
         i = j;
     }
-    if (values.size() < 2) {
+    if (values.count < 2) {
         return std::nullopt;
     }
     return values;

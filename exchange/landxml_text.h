@@ -5,6 +5,7 @@
 
 #include "qv5/landxml.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -54,8 +55,17 @@ double bearing_difference(double a, double b);
 /// A finite number of the whole text (surrounding white space allowed, '+' allowed); no value
 /// for anything else. "INF" (any case, optionally signed) is infinite only when `allow_infinite`.
 std::optional<double> parse_number(std::string_view text, bool allow_infinite = false);
+/// The numbers of a point's text: two or three.
+struct PointNumbers {
+    std::size_t count = 0;
+    double values[3] = {0.0, 0.0, 0.0};
+
+    std::size_t size() const { return count; }
+    double operator[](std::size_t i) const { return values[i]; }
+};
+
 /// Two or three finite numbers separated by white space: a point "northing easting [elev]".
-std::optional<std::vector<double>> parse_numbers(std::string_view text);
+std::optional<PointNumbers> parse_numbers(std::string_view text);
 
 /// Shortest text that reads back to the same double.
 std::string format_number(double value);
