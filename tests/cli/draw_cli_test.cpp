@@ -86,3 +86,43 @@ TEST(DrawCommand, RefusesAMissingOrBadTemplateFile) {
 }
 
 } // namespace
+
+namespace {
+
+const std::string kData = QV5_SAMPLE_DATA_DIR;
+
+} // namespace
+
+// A template drawn from a road's library is the picture of the same template drawn from its own
+// file: the sample road holds the sample templates (by file), the road file holds them as
+// records (names cut to 32 characters, as the road file keeps them), and the name is matched
+// without regard to letter case.
+TEST(DrawCommand, ATemplateOfARoadsLibraryIsThePictureOfItsFile) {
+    const qv5::test::ScratchFolder scratch;
+    const std::string rural = scratch.file("rural.png");
+    const std::string urban = scratch.file("urban.png");
+    const std::string from_description = scratch.file("description.png");
+    const std::string from_road_file = scratch.file("road-file.png");
+    ASSERT_EQ(run_qv5({"draw", kData + "/template-rural.json", "--png", rural}).exit_code, 0);
+    ASSERT_EQ(run_qv5({"draw", kUrban, "--png", urban}).exit_code, 0);
+    const auto a = run_qv5({"draw", kData + "/sample-road.json", "--template",
+                            "RURAL TWO-LANE WITH DITCH, HALF SECTION", "--png", from_description});
+    ASSERT_EQ(a.exit_code, 0) << a.err;
+    const auto b = run_qv5({"draw", kData + "/sample-road.qv5r", "--template",
+                            "urban two-lane, half section", "--png", from_road_file});
+    ASSERT_EQ(b.exit_code, 0) << b.err;
+    EXPECT_EQ(read_file(from_description), read_file(rural));
+    EXPECT_EQ(read_file(from_road_file), read_file(urban));
+    EXPECT_NE(read_file(rural), read_file(urban));
+}
+
+TEST(DrawCommand, AnUnknownTemplateOfARoadListsTheOnesItHas) {
+    const qv5::test::ScratchFolder scratch;
+    const std::string png = scratch.file("none.png");
+    const auto r =
+        run_qv5({"draw", kData + "/sample-road.json", "--template", "Motorway", "--png", png});
+    EXPECT_EQ(r.exit_code, 2);
+    EXPECT_NE(r.err.find("no template named \"Motorway\""), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("\"Urban two-lane, half section\""), std::string::npos) << r.err;
+    EXPECT_FALSE(std::filesystem::exists(png));
+}

@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "output.h"
 #include "output_options.h"
+#include "road_text.h"
 #include "template_file.h"
 
 #include "qv5/qv5lib.h"
@@ -25,6 +26,8 @@ constexpr long long kMaxPicturePixels = 1LL << 26;
 
 struct DrawOptions {
     std::string file;
+    std::string template_name; ///< with a road: the template of its library to draw
+    std::string alignment;     ///< with a LandXML file of several alignments: which one
     std::string png;
     std::string svg;
     std::string size = "640x480";
@@ -46,6 +49,47 @@ bool parse_size(const std::string& text, int& width, int& height) {
            static_cast<long long>(width) * height <= kMaxPicturePixels;
 }
 
+/// The template of a template file. @return 0, or the exit status with the problem reported
+int read_template_file(const std::string& file, CGeoTemplate& t) {
+    std::string text;
+    if (!read_whole_file(file, text)) {
+        report_error("draw: cannot read '" + file + "'");
+        return kExitBadData;
+    }
+    std::vector<JobError> errors;
+    if (!parse_template(text, t, errors)) {
+        report_file_errors(file, errors, "template file refused");
+        return kExitBadData;
+    }
+    return 0;
+}
+
+/// The template named in the library of a road (any form of road file). @return 0, or the exit
+/// status with the problem reported: an unknown name lists the names the library holds
+int read_road_template(const DrawOptions& o, CGeoTemplate& t) {
+    CGeoRoad road;
+    RoadForm form = RoadForm::description;
+    std::vector<JobError> errors;
+    if (!load_road(o.file, road, form, errors, o.alignment)) {
+        report_road_errors(o.file, form, errors);
+        return kExitBadData;
+    }
+    const int n = road.TemplateIndex(CString::FromUtf8(o.template_name));
+    if (n < 0 || road.GetNthTemplate(n, &t) == 0) {
+        std::string names;
+        CGeoTemplate each;
+        for (int i = 0; i < road.NumberTemplates(); ++i) {
+            if (road.GetNthTemplate(i, &each) != 0) {
+                names += (names.empty() ? "\"" : ", \"") + each.Name().ToUtf8() + "\"";
+            }
+        }
+        report_error("draw: " + o.file + ": the road has no template named \"" + o.template_name +
+                     "\"; its templates: " + (names.empty() ? std::string("none") : names));
+        return kExitBadArguments;
+    }
+    return 0;
+}
+
 int run_draw(const DrawOptions& o) {
     int width = 0;
     int height = 0;
@@ -59,16 +103,11 @@ int run_draw(const DrawOptions& o) {
         report_error("draw: give --png OUT.png, --svg OUT.svg or both");
         return kExitBadArguments;
     }
-    std::string text;
-    if (!read_whole_file(o.file, text)) {
-        report_error("draw: cannot read '" + o.file + "'");
-        return kExitBadData;
-    }
     CGeoTemplate t;
-    std::vector<JobError> errors;
-    if (!parse_template(text, t, errors)) {
-        report_file_errors(o.file, errors, "template file refused");
-        return kExitBadData;
+    if (const int status =
+            o.template_name.empty() ? read_template_file(o.file, t) : read_road_template(o, t);
+        status != 0) {
+        return status;
     }
 
     CDC screen;
@@ -116,7 +155,13 @@ int run_draw(const DrawOptions& o) {
 CommandRunner add_draw_options(CLI::App& command) {
     auto o = std::make_shared<DrawOptions>();
     CLI::App* cmd = &command;
-    cmd->add_option("file", o->file, "Template file (see docs/template-json.md)")->required();
+    cmd->add_option("file", o->file,
+                    "Template file (see docs/template-json.md), or with --template a road")
+        ->required();
+    cmd->add_option("--template", o->template_name,
+                    "Draw the template of this name (letter case ignored) from the road's library");
+    cmd->add_option("--alignment", o->alignment,
+                    "With --template: the alignment of a LandXML file that holds several");
     cmd->add_option("--png", o->png, "Write the picture to this PNG file");
     cmd->add_option("--svg", o->svg, "Write the picture to this SVG file");
     cmd->add_option("--size", o->size, "Picture size WIDTHxHEIGHT in pixels (default 640x480)");
@@ -128,5 +173,7 @@ CommandRunner add_draw_options(CLI::App& command) {
 
 } // namespace qv5::cli
 
-QV5_COMMAND("draw", "Draw a cross-section template's picture into a PNG and/or an SVG file",
+QV5_COMMAND("draw",
+            "Draw a cross-section template's picture (of a template file, or of a road's library) "
+            "into a PNG and/or an SVG file",
             qv5::cli::add_draw_options);
