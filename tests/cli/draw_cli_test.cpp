@@ -106,7 +106,7 @@ TEST(DrawCommand, ATemplateOfARoadsLibraryIsThePictureOfItsFile) {
     ASSERT_EQ(run_qv5({"draw", kData + "/template-rural.json", "--png", rural}).exit_code, 0);
     ASSERT_EQ(run_qv5({"draw", kUrban, "--png", urban}).exit_code, 0);
     const auto a = run_qv5({"draw", kData + "/sample-road.json", "--template",
-                            "RURAL TWO-LANE WITH DITCH, HALF SECTION", "--png", from_description});
+                            "RURAL TWO-LANE WITH DITCH", "--png", from_description});
     ASSERT_EQ(a.exit_code, 0) << a.err;
     const auto b = run_qv5({"draw", kData + "/sample-road.qv5r", "--template",
                             "urban two-lane, half section", "--png", from_road_file});

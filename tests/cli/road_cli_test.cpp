@@ -44,7 +44,7 @@ TEST(QV5Road, SampleRoadAsJsonListsEveryPart) {
     ASSERT_EQ(doc["templates"].size(), 2u);
     ASSERT_EQ(doc["applications"].size(), 6u);
     EXPECT_EQ(doc["applications"][4]["side"], "left");
-    EXPECT_EQ(doc["applications"][4]["template"], "Rural two-lane with ditch, half section");
+    EXPECT_EQ(doc["applications"][4]["template"], "Rural two-lane with ditch");
     EXPECT_TRUE(doc.contains("units"));
     EXPECT_TRUE(doc["alignment"][0].contains("formatted"));
 }
