@@ -49,21 +49,6 @@ bool parse_size(const std::string& text, int& width, int& height) {
            static_cast<long long>(width) * height <= kMaxPicturePixels;
 }
 
-/// The template of a template file. @return 0, or the exit status with the problem reported
-int read_template_file(const std::string& file, CGeoTemplate& t) {
-    std::string text;
-    if (!read_whole_file(file, text)) {
-        report_error("draw: cannot read '" + file + "'");
-        return kExitBadData;
-    }
-    std::vector<JobError> errors;
-    if (!parse_template(text, t, errors)) {
-        report_file_errors(file, errors, "template file refused");
-        return kExitBadData;
-    }
-    return 0;
-}
-
 /// The template named in the library of a road (any form of road file). @return 0, or the exit
 /// status with the problem reported: an unknown name lists the names the library holds
 int read_road_template(const DrawOptions& o, CGeoTemplate& t) {
@@ -104,9 +89,11 @@ int run_draw(const DrawOptions& o) {
         return kExitBadArguments;
     }
     CGeoTemplate t;
-    if (const int status =
-            o.template_name.empty() ? read_template_file(o.file, t) : read_road_template(o, t);
-        status != 0) {
+    if (o.template_name.empty()) {
+        if (!load_template_file("draw", o.file, t)) {
+            return kExitBadData;
+        }
+    } else if (const int status = read_road_template(o, t); status != 0) {
         return status;
     }
 

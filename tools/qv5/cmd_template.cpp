@@ -146,20 +146,6 @@ bool read_query(const TemplateOptions& o, Query& q) {
     return problems.empty();
 }
 
-bool load(const std::string& path, CGeoTemplate& t) {
-    std::string text;
-    if (!read_whole_file(path, text)) {
-        report_error("template: cannot read '" + path + "'");
-        return false;
-    }
-    std::vector<JobError> errors;
-    if (!parse_template(text, t, errors)) {
-        report_file_errors(path, errors, "template file refused");
-        return false;
-    }
-    return true;
-}
-
 nlohmann::ordered_json chain_json(const std::vector<ChainRow>& rows) {
     nlohmann::ordered_json out = nlohmann::ordered_json::array();
     for (const ChainRow& r : rows) {
@@ -183,13 +169,13 @@ int run_template(const TemplateOptions& o) {
         return kExitBadArguments;
     }
     CGeoTemplate first;
-    if (!load(o.file, first)) {
+    if (!load_template_file("template", o.file, first)) {
         return kExitBadArguments;
     }
     CGeoTemplate evaluated = first;
     if (!o.blend.empty()) {
         CGeoTemplate other;
-        if (!load(o.blend, other)) {
+        if (!load_template_file("template", o.blend, other)) {
             return kExitBadArguments;
         }
         if (first.Similar(&other) == 0) {

@@ -1,5 +1,8 @@
 #include "template_file.h"
 
+#include "csv_text.h"
+#include "output.h"
+
 #include <nlohmann/json.hpp>
 
 #include <cmath>
@@ -285,6 +288,20 @@ bool parse_template(std::string_view text, CGeoTemplate& result, std::vector<Job
     }
     if (!errors.empty()) {
         result.Reset();
+        return false;
+    }
+    return true;
+}
+
+bool load_template_file(const std::string& command, const std::string& path, CGeoTemplate& result) {
+    std::string text;
+    if (!read_whole_file(path, text)) {
+        report_error(command + ": cannot read '" + path + "'");
+        return false;
+    }
+    std::vector<JobError> errors;
+    if (!parse_template(text, result, errors)) {
+        report_file_errors(path, errors, "template file refused");
         return false;
     }
     return true;

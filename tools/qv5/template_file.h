@@ -30,6 +30,10 @@ std::string_view template_type_name(geotemp_ElementType type);
 /// @return true when the text is a good template file
 bool parse_template(std::string_view text, CGeoTemplate& result, std::vector<JobError>& errors);
 
+/// Reads a template file, reporting on standard error what is wrong with it (each bad field with
+/// its place), the messages led by `command`. @return true when the file is a good template file
+bool load_template_file(const std::string& command, const std::string& path, CGeoTemplate& result);
+
 } // namespace qv5::cli
 
 #endif
