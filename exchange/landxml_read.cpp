@@ -204,6 +204,7 @@ public:
         }
         m_station = start_station;
         bool ok = read_geometry(child(alignment, "CoordGeom"), road, start_station);
+        ok = ok && within_reach(child(alignment, "CoordGeom"), road);
         ok = ok && read_profile(alignment, road);
         if (ok) {
             check_length(alignment, road);
@@ -736,6 +737,12 @@ private:
             }
             const double station = (*values)[0] * m_units.metres;
             const double elevation = (*values)[1] * m_units.metres;
+            if (!detail::within_measure(station) || !detail::within_measure(elevation)) {
+                error(e, std::string("a profile point beyond ") +
+                             detail::format_number(detail::kLargestMeasure) +
+                             " m is not a survey on Earth: \"" + e.child_value() + "\"");
+                return false;
+            }
             m_station = station;
             double length = 0.0;
             if (type != georoad_VertPoint) {
@@ -762,6 +769,33 @@ private:
 
     /// The alignment's length is only a check on its elements: one that is not a number is
     /// reported as a warning and the road stands as its elements give it.
+    /// The alignment as built stays within kLargestMeasure in its stations and coordinates
+    /// (element starts and the road's end); false, with an error at the first that does not.
+    bool within_reach(const pugi::xml_node& geometry, CGeoRoad& road) {
+        const auto far = [](const geo_nee& p) {
+            return !detail::within_measure(p.north) || !detail::within_measure(p.east);
+        };
+        const int count = road.NumberHorizontalElements();
+        for (int n = 0; n <= count; ++n) {
+            const bool end = n == count;
+            const double station =
+                end ? road.EndStationHorizontal() : road.HorzElementStartStation(n);
+            const geo_nee point =
+                end ? road.EndPtHorizontal().Grid() : road.HorzElementStartCoords(n);
+            if (!detail::within_measure(station) || far(point)) {
+                m_station = GEO_NULL;
+                error(geometry,
+                      "the alignment reaches beyond " +
+                          detail::format_number(detail::kLargestMeasure) +
+                          " m in its stations or coordinates (" +
+                          (end ? std::string("at its end") : "element " + std::to_string(n + 1)) +
+                          "): not a survey on Earth");
+                return false;
+            }
+        }
+        return true;
+    }
+
     void check_length(const pugi::xml_node& alignment, CGeoRoad& road) {
         const pugi::xml_attribute a = attribute(alignment, "length");
         if (!a) {

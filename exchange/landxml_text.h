@@ -55,6 +55,17 @@ double bearing_difference(double a, double b);
 /// A finite number of the whole text (surrounding white space allowed, '+' allowed); no value
 /// for anything else. "INF" (any case, optionally signed) is infinite only when `allow_infinite`.
 std::optional<double> parse_number(std::string_view text, bool allow_infinite = false);
+/// The largest magnitude a station, coordinate or elevation of a road read from or written to
+/// LandXML may have: a hundred thousand kilometres, beyond any survey on Earth. A road reaching
+/// farther cannot hold its own geometry (a double's spacing there grows coarser than its curves)
+/// and would not read back from what it writes.
+inline constexpr double kLargestMeasure = 1e8;
+
+/// Whether a value lies within kLargestMeasure (false for a non-finite one).
+inline bool within_measure(double value) {
+    return value >= -kLargestMeasure && value <= kLargestMeasure;
+}
+
 /// The numbers of a point's text: two or three.
 struct PointNumbers {
     std::size_t count = 0;

@@ -81,7 +81,14 @@ public:
             return "";
         }
         const double t = ((b.north - a.north) * db_e - (b.east - a.east) * db_n) / det;
-        return point("PI", a.north + t * da_n, a.east + t * da_e);
+        const double north = a.north + t * da_n;
+        const double east = a.east + t * da_e;
+        // A curve of half a turn or more has no PI ahead of its start, and one of nearly half a
+        // turn has it far away: the PI is only a check on the curve, so it is left out.
+        if (!(t > 0.0) || !detail::within_measure(north) || !detail::within_measure(east)) {
+            return "";
+        }
+        return point("PI", north, east);
     }
 
     std::string date() const {

@@ -265,6 +265,35 @@ TEST(LandXmlRead, AlignmentLengthThatIsNotANumberIsAWarningAndTheRoadStands) {
     expect_metric_line_arc(road, kFixtureTolerance);
 }
 
+// A line whose end lies 2.1e19 m away reads as numbers, but a road reaching so far cannot hold its
+// curves (a double's spacing there is kilometres) nor read back what it writes: it is refused,
+// naming the geometry, and the road is left empty.
+TEST(LandXmlRead, AlignmentReachingBeyondTheEarthIsRefused) {
+    std::string xml = fixture("metric-line-arc.xml");
+    const std::string from = "<End>5000.000000000 2100.000000000</End>";
+    ASSERT_NE(xml.find(from), std::string::npos);
+    xml.replace(xml.find(from), from.size(), "<End>5000.000000000 21009999999999999999</End>");
+    CGeoRoad road;
+    const auto result = qv5::landxml::read_road(xml, road);
+    EXPECT_FALSE(result.ok);
+    ASSERT_EQ(result.errors.size(), 1u) << messages(result);
+    EXPECT_EQ(result.errors[0].element, "CoordGeom");
+    EXPECT_NE(result.errors[0].text.find("not a survey on Earth"), std::string::npos);
+    EXPECT_EQ(road.NumberHorizontalElements(), 0);
+}
+
+TEST(LandXmlRead, ProfilePointBeyondTheEarthIsRefused) {
+    std::string xml = fixture("metric-line-arc.xml");
+    const std::string from = "<PVI>1300.000000000 51.000000000</PVI>";
+    ASSERT_NE(xml.find(from), std::string::npos);
+    xml.replace(xml.find(from), from.size(), "<PVI>1300.000000000 5.1e9</PVI>");
+    CGeoRoad road;
+    const auto result = qv5::landxml::read_road(xml, road);
+    EXPECT_FALSE(result.ok);
+    ASSERT_EQ(result.errors.size(), 1u) << messages(result);
+    EXPECT_EQ(result.errors[0].element, "PVI");
+}
+
 TEST(LandXmlRead, SpiralEndFarFromTheClothoidIsAWarning) {
     std::string xml = fixture("spirals-1.1-prefixed.xml");
     const std::string from = "<lx:End>1308.590986858 556.981379756</lx:End>";

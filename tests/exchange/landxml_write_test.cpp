@@ -115,6 +115,23 @@ TEST(LandXmlWrite, CurveCarriesCentreAndPI) {
     EXPECT_NE(at, std::string::npos) << written << "\n" << pi;
 }
 
+// A curve of three quarters of a turn has no PI ahead of its start: the PI, only a check on the
+// curve, is left out, and the file reads back to the same road.
+TEST(LandXmlWrite, CurveOfHalfATurnOrMoreHasNoPI) {
+    CGeoRoad road;
+    road.SetPOBInfo(0.0, 1000.0, 2000.0, 20.0);
+    CGeoPoint origin(geo_nee{0.0, 0.0, 0.0});
+    CGeoArc arc;
+    arc.Set(origin, 0.0, 100.0, 1.5 * kPi * 100.0, geodef_Right, 0.0);
+    ASSERT_EQ(road.AddHorizontal(georoad_Arc, &arc), 1);
+    const std::string written = qv5::landxml::write_road(road, fixed_date());
+    EXPECT_NE(written.find("<Center>"), std::string::npos) << written;
+    EXPECT_EQ(written.find("<PI>"), std::string::npos) << written;
+    CGeoRoad back;
+    ASSERT_TRUE(qv5::landxml::read_road(written, back).ok);
+    expect_same_road(road, back, kRoundTrip);
+}
+
 TEST(LandXmlWrite, RandomAlignmentsRoundTrip) {
     std::mt19937 random(20261125);
     std::uniform_real_distribution<double> length(5.0, 300.0);

@@ -644,8 +644,9 @@ bool load_landxml(const std::string& path, const std::string& content, const std
     options.alignment = alignment;
     const qv5::landxml::ReadResult result = qv5::landxml::read_road(content, road, options);
     for (const qv5::landxml::Message& w : result.warnings) {
-        std::cerr << escape_control(
-            fmt::format("qv5: warning: {}:{}: {}\n", path, w.line, landxml_message(w)));
+        std::cerr << "qv5: warning: "
+                  << escape_control(fmt::format("{}:{}: {}", path, w.line, landxml_message(w)))
+                  << '\n';
     }
     if (result.ok) {
         return true;
