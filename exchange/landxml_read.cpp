@@ -27,6 +27,17 @@ namespace {
 
 using detail::AngleForm;
 
+/// The shortest element, and the smallest radius, a road read from LandXML may have: a
+/// micrometre. A shorter element's points coincide once written, so the road would not read back
+/// from what it writes. The largest radius is detail::kLargestMeasure: beyond it a curve's centre
+/// is too far away for its angle to be told from its points.
+constexpr double kShortestElement = 1e-6;
+
+/// A length or radius between kShortestElement and detail::kLargestMeasure.
+bool sensible_size(double value) {
+    return value >= kShortestElement && value <= detail::kLargestMeasure;
+}
+
 /// Station interval given to a road read from LandXML, which has no such setting: even
 /// stations every 20 m, the usual staking interval.
 constexpr double kDefaultStationInterval = 20.0;
@@ -414,8 +425,9 @@ private:
         CGeoLine line;
         CGeoPoint from = grid_point(start);
         if (has_end) {
-            if (distance(start, end) <= 0.0) {
-                error(node, "the line's Start and End are the same point");
+            if (!sensible_size(distance(start, end))) {
+                error(node, "the line's Start and End are less than a micrometre apart, or farther "
+                            "apart than any survey");
                 return false;
             }
             CGeoPoint to = grid_point(end);
@@ -427,8 +439,9 @@ private:
                 compare_direction(node, "dir", azimuth, bearing(start, end), distance(start, end));
             }
         } else {
-            if (!has_dir || !has_length || !(length > 0.0)) {
-                error(node, "a line needs an <End> point, or dir and a positive length");
+            if (!has_dir || !has_length || !sensible_size(length)) {
+                error(node, "a line needs an <End> point, or dir and a length of a micrometre or "
+                            "more");
                 return false;
             }
             line.Set(from, azimuth, length, 0.0);
@@ -508,9 +521,10 @@ private:
         } else if (run.azimuth != GEO_NULL) {
             azimuth = run.azimuth;
         }
-        if (!(r > 0.0) || azimuth == GEO_NULL || arc_length == GEO_NULL || !(arc_length > 0.0)) {
-            error(node, "the curve needs a positive radius and length (or Center and End "
-                        "points) and a start direction");
+        if (!sensible_size(r) || azimuth == GEO_NULL || arc_length == GEO_NULL ||
+            !sensible_size(arc_length)) {
+            error(node, "the curve needs a radius and a length of a micrometre or more (or Center "
+                        "and End points that give them) and a start direction");
             return false;
         }
         if (has_radius && has_centre) {
@@ -595,12 +609,13 @@ private:
             !rotation(node, turn, has_rot) || !direction(node, "dirStart", entry, has_dir)) {
             return false;
         }
-        if (!has_r_start || !has_r_end || !has_length || !has_rot || !(length > 0.0)) {
-            error(node, "a spiral needs radiusStart, radiusEnd, a positive length and rot");
+        if (!has_r_start || !has_r_end || !has_length || !has_rot || !sensible_size(length)) {
+            error(node, "a spiral needs radiusStart, radiusEnd, a length of a micrometre or more "
+                        "and rot");
             return false;
         }
-        const bool entry_spiral = std::isinf(r_start) && std::isfinite(r_end) && r_end > 0.0;
-        const bool exit_spiral = std::isfinite(r_start) && r_start > 0.0 && std::isinf(r_end);
+        const bool entry_spiral = std::isinf(r_start) && sensible_size(r_end);
+        const bool exit_spiral = sensible_size(r_start) && std::isinf(r_end);
         if (!entry_spiral && !exit_spiral) {
             error(node, "only spirals between a straight (INF) and a radius are supported; "
                         "this one runs from " +

@@ -267,8 +267,8 @@ TEST(LandXmlRead, AlignmentLengthThatIsNotANumberIsAWarningAndTheRoadStands) {
 
 // A line whose end lies 2.1e19 m away reads as numbers, but a road reaching so far cannot hold its
 // curves (a double's spacing there is kilometres) nor read back what it writes: it is refused,
-// naming the geometry, and the road is left empty.
-TEST(LandXmlRead, AlignmentReachingBeyondTheEarthIsRefused) {
+// naming the line, and the road is left empty.
+TEST(LandXmlRead, LineReachingBeyondTheEarthIsRefused) {
     std::string xml = fixture("metric-line-arc.xml");
     const std::string from = "<End>5000.000000000 2100.000000000</End>";
     ASSERT_NE(xml.find(from), std::string::npos);
@@ -277,9 +277,37 @@ TEST(LandXmlRead, AlignmentReachingBeyondTheEarthIsRefused) {
     const auto result = qv5::landxml::read_road(xml, road);
     EXPECT_FALSE(result.ok);
     ASSERT_EQ(result.errors.size(), 1u) << messages(result);
-    EXPECT_EQ(result.errors[0].element, "CoordGeom");
+    EXPECT_EQ(result.errors[0].element, "Line");
+    EXPECT_EQ(road.NumberHorizontalElements(), 0);
+}
+
+// Stations beyond 100 000 km are refused with the alignment's geometry named.
+TEST(LandXmlRead, StationsBeyondTheEarthAreRefused) {
+    std::string xml = fixture("metric-line-arc.xml");
+    const std::string from = "staStart=\"1000.000000000\"";
+    ASSERT_NE(xml.find(from), std::string::npos);
+    xml.replace(xml.find(from), from.size(), "staStart=\"2e19\"");
+    CGeoRoad road;
+    const auto result = qv5::landxml::read_road(xml, road);
+    EXPECT_FALSE(result.ok);
+    ASSERT_GE(result.errors.size(), 1u) << messages(result);
+    EXPECT_EQ(result.errors[0].element, "CoordGeom") << messages(result);
     EXPECT_NE(result.errors[0].text.find("not a survey on Earth"), std::string::npos);
     EXPECT_EQ(road.NumberHorizontalElements(), 0);
+}
+
+// A curve whose End lies in the direction of its Start from the Center has no length: once
+// written its points would coincide. It is refused rather than read as a curve of 1e-88 m.
+TEST(LandXmlRead, CurveOfNoLengthIsRefused) {
+    std::string xml = fixture("metric-line-arc.xml");
+    const std::string from = "<End>4941.421356237 2241.421356237</End>";
+    ASSERT_NE(xml.find(from), std::string::npos);
+    xml.replace(xml.find(from), from.size(), "<End>4.9e93 2241.421356237</End>");
+    CGeoRoad road;
+    const auto result = qv5::landxml::read_road(xml, road);
+    EXPECT_FALSE(result.ok) << messages(result);
+    ASSERT_GE(result.errors.size(), 1u) << messages(result);
+    EXPECT_EQ(result.errors[0].element, "Curve");
 }
 
 TEST(LandXmlRead, ProfilePointBeyondTheEarthIsRefused) {
