@@ -257,13 +257,16 @@ public:
         return j.dump(-1);
     }
 
-    void write(const std::string& text) {
+    /// Appends a row's text to `out`, which the caller writes a block at a time.
+    void write(const std::string& text, std::string& out) {
         if (m_format == Format::json) {
-            std::cout << (m_rows == 0 ? "\n    " : ",\n    ") << text;
+            out += m_rows == 0 ? "\n    " : ",\n    ";
+            out += text;
         } else if (m_format == Format::jsonl) {
-            std::cout << text << '\n';
+            out += text;
+            out += '\n';
         } else {
-            std::cout << text;
+            out += text;
         }
         ++m_rows;
     }
@@ -305,21 +308,19 @@ public:
     BlockEvaluator(CGeoRoad& road, const CGeoTransformation* calibration, ShotCoordinates coords,
                    double snap, int workers, const StakeWriter& writer)
         : m_road(road), m_coords(coords), m_snap(snap), m_writer(writer),
-          m_iterators(static_cast<std::size_t>(workers)) {
-        for (int i = 0; i < workers; ++i) {
-            m_calibrations.push_back(calibration == nullptr
-                                         ? nullptr
-                                         : std::make_unique<CGeoTransformation>(*calibration));
+          m_workers(static_cast<std::size_t>(workers)) {
+        for (Worker& w : m_workers) {
+            if (calibration != nullptr) {
+                w.calibration = std::make_unique<CGeoTransformation>(*calibration);
+            }
         }
     }
 
-    void evaluate(std::vector<Row>& rows) {
-        const std::size_t workers = m_iterators.size();
-        if (workers <= 1 || rows.size() < 2) {
-            run(rows, 0, 0, rows.size());
-            return;
-        }
-        std::vector<std::thread> threads;
+    /// Starts evaluating the rows on the worker threads and returns at once, so that the caller
+    /// can write the block before and read the block after meanwhile. Call `wait` before
+    /// touching the rows again, and before the next `start`.
+    void start(std::vector<Row>& rows) {
+        const std::size_t workers = m_workers.size();
         const std::size_t per = (rows.size() + workers - 1) / workers;
         for (std::size_t w = 0; w < workers; ++w) {
             const std::size_t begin = w * per;
@@ -327,17 +328,24 @@ public:
             if (begin >= end) {
                 break;
             }
-            threads.emplace_back([this, &rows, w, begin, end] { run(rows, w, begin, end); });
-        }
-        for (std::thread& t : threads) {
-            t.join();
+            m_threads.emplace_back([this, &rows, w, begin, end] { run(rows, w, begin, end); });
         }
     }
 
+    /// Waits until the rows handed to `start` are evaluated.
+    void wait() {
+        for (std::thread& t : m_threads) {
+            t.join();
+        }
+        m_threads.clear();
+    }
+
+    ~BlockEvaluator() { wait(); }
+
 private:
     void run(std::vector<Row>& rows, std::size_t worker, std::size_t begin, std::size_t end) {
-        CGeoRoadIterator& it = m_iterators[worker];
-        CGeoTransformation* calibration = m_calibrations[worker].get();
+        CGeoRoadIterator& it = m_workers[worker].iterator;
+        CGeoTransformation* calibration = m_workers[worker].calibration.get();
         for (std::size_t i = begin; i < end; ++i) {
             Row& row = rows[i];
             std::string why;
@@ -363,8 +371,16 @@ private:
     ShotCoordinates m_coords;
     double m_snap;
     const StakeWriter& m_writer;
-    std::vector<CGeoRoadIterator> m_iterators;
-    std::vector<std::unique_ptr<CGeoTransformation>> m_calibrations;
+    /// What one worker thread uses, alone: its own iterator and its own copy of the calibration.
+    /// Each on cache lines of its own, since an iterator writes its cached station and elements
+    /// on every shot and two workers sharing a line would stall each other.
+    struct alignas(64) Worker {
+        CGeoRoadIterator iterator;
+        std::unique_ptr<CGeoTransformation> calibration;
+    };
+
+    std::vector<Worker> m_workers;
+    std::vector<std::thread> m_threads;
 };
 
 /// Shows how far through its input file the run is, on a terminal.
@@ -447,28 +463,49 @@ int stake_rows(const StakeOptions& o, CGeoRoad& road, CGeoTransformation* calibr
     int bad = 0;
     int line_number = 0;
     std::uintmax_t consumed = 0;
-    std::vector<Row> rows;
+    // Two blocks in turn: while the workers evaluate one, this thread writes the one before it
+    // and reads the one after it, so that reading and writing cost no evaluation time.
+    std::vector<Row> blocks[2];
     std::string line;
     bool more = true;
-    while (more) {
+    const auto read_block = [&](std::vector<Row>& rows) {
         rows.clear();
         while (rows.size() < kBlockRows && (more = static_cast<bool>(std::getline(*in, line)))) {
             ++line_number;
             consumed += line.size() + 1;
             rows.push_back(Row{line_number, line, Shot{}, RowKind::skipped, {}, {}});
         }
-        evaluator.evaluate(rows);
+    };
+    std::string out;
+    const auto write_block = [&](const std::vector<Row>& rows) {
+        out.clear();
         for (const Row& row : rows) {
             if (row.kind == RowKind::bad) {
                 ++bad;
                 progress.finish();
                 report_error(fmt::format("stake: {}:{}: {}", source, row.line, row.problem));
             } else if (row.kind == RowKind::shot) {
-                writer.write(row.output);
+                writer.write(row.output, out);
             }
         }
+        std::cout.write(out.data(), static_cast<std::streamsize>(out.size()));
+    };
+    int current = 0;
+    read_block(blocks[current]);
+    evaluator.start(blocks[current]);
+    while (!blocks[current].empty()) {
+        std::vector<Row>& next = blocks[1 - current];
+        next.clear();
+        if (more) {
+            read_block(next);
+        }
+        evaluator.wait();
+        evaluator.start(next);
+        write_block(blocks[current]);
         progress.show(consumed);
+        current = 1 - current;
     }
+    evaluator.wait();
     progress.finish();
     writer.end();
     std::cout << std::flush;
