@@ -73,6 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             continue;
         }
         CGeoRoadIterator it;
+        it.Set(&road());
         const qv5::cli::StakeResult r =
             qv5::cli::stake_shot(road(), it, nullptr, coords, shot, 1.0);
         if (r.ok && !(answered(r.station) && answered(r.offset) && answered(r.design) &&

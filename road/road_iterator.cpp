@@ -267,6 +267,11 @@ void CGeoRoadIterator::Set(CGeoRoad* road) {
     forget_copies(*m_state);
 }
 
+void CGeoRoadIterator::ForgetPosition() {
+    m_currentHorizontal = -1;
+    m_station = GEO_NULL;
+}
+
 void CGeoRoadIterator::Reset(double station) {
     m_currentHorizontal = -1;
     m_station = station;

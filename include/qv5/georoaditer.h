@@ -51,6 +51,14 @@ public:
     /// @param road the road to evaluate; may be null (every query then yields `GEO_NULL`)
     void Set(CGeoRoad* road);
 
+    /// Forgets the current horizontal element and the station, as `Set` with the same road does,
+    /// but keeps what the iterator has taken from the road since (its own copies of the elements
+    /// and of the profile): the next query starts afresh, exactly as after `Set`, without taking
+    /// them again. For a host that evaluates many unrelated points against a road that nobody
+    /// edits and wants each answer independent of the points before it. After an edit of the
+    /// road, call `Set`.
+    void ForgetPosition();
+
     /// Makes the element containing `station` current: the first whose end station is strictly
     /// greater, so a station exactly at a joint selects the later element; before the start
     /// element 0, at or beyond the end the last one. `GEO_NULL` only forgets the element.

@@ -273,6 +273,7 @@ TEST(StakeSignificantStation, IsTheRoadsOwnSearchForTheFoot) {
     CGeoRoadIterator placer;
     placer.Set(&road);
     CGeoRoadIterator it;
+    it.Set(&road);
     const double start = road.StartStationHorizontal();
     const double end = road.EndStationHorizontal();
     int named = 0;

@@ -378,3 +378,41 @@ TEST(IteratorCopy, CopyKeepsRoadElementsAndOffset) {
     EXPECT_NEAR(d.station, 150.0, 1e-9);
     EXPECT_NEAR(d.offset, 3.0, 1e-9); // south of an eastbound line: right
 }
+
+// ForgetPosition forgets the current element and the station as Set does, keeping only what the
+// iterator took from the road: every point then gets, to the bit, what a freshly bound iterator
+// gives it, however the points before it left the iterator.
+TEST(IteratorForgetPosition, EveryQueryAnswersAsAfterSet) {
+    CGeoRoad road;
+    qv5::test::build_curve_road(road);
+    qv5::test::add_profile(road);
+    CGeoRoadIterator kept;
+    kept.Set(&road);
+    std::mt19937_64 rng(7);
+    std::uniform_real_distribution<double> station_of(-20.0, 730.0);
+    std::uniform_real_distribution<double> offset_of(-40.0, 40.0);
+    for (int i = 0; i < 2000; ++i) {
+        CGeoRoadIterator placer;
+        placer.Set(&road);
+        CGeoPoint p;
+        double azimuth = GEO_NULL;
+        placer.CenterlinePoint(station_of(rng), offset_of(rng), 0.3, p, azimuth, nullptr, nullptr);
+
+        CGeoRoadIterator fresh;
+        fresh.Set(&road);
+        double s1, o1, dz1, a1, g1, r1;
+        fresh.CenterlineDeltas(p, s1, o1, dz1, a1, g1, &r1);
+
+        kept.ForgetPosition();
+        EXPECT_EQ(kept.CurrentHorizontalElement(), -1);
+        double s2, o2, dz2, a2, g2, r2;
+        kept.CenterlineDeltas(p, s2, o2, dz2, a2, g2, &r2);
+        ASSERT_EQ(qv5::test::bits_of(s1), qv5::test::bits_of(s2)) << i;
+        ASSERT_EQ(qv5::test::bits_of(o1), qv5::test::bits_of(o2)) << i;
+        ASSERT_EQ(qv5::test::bits_of(dz1), qv5::test::bits_of(dz2)) << i;
+        ASSERT_EQ(qv5::test::bits_of(a1), qv5::test::bits_of(a2)) << i;
+        ASSERT_EQ(qv5::test::bits_of(g1), qv5::test::bits_of(g2)) << i;
+        ASSERT_EQ(qv5::test::bits_of(r1), qv5::test::bits_of(r2)) << i;
+        ASSERT_EQ(fresh.CurrentHorizontalElement(), kept.CurrentHorizontalElement()) << i;
+    }
+}

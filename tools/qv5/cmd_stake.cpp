@@ -310,6 +310,7 @@ public:
         : m_road(road), m_coords(coords), m_snap(snap), m_writer(writer),
           m_workers(static_cast<std::size_t>(workers)) {
         for (Worker& w : m_workers) {
+            w.iterator.Set(&road);
             if (calibration != nullptr) {
                 w.calibration = std::make_unique<CGeoTransformation>(*calibration);
             }

@@ -146,8 +146,9 @@ StakeResult stake_shot(CGeoRoad& road, CGeoRoadIterator& iterator,
         return failed(r, "the calibration gives no finite grid position for it");
     }
 
-    // A fresh start for every shot: the answer must not depend on the shots before it.
-    iterator.Set(&road);
+    // A fresh start for every shot: the answer must not depend on the shots before it. The
+    // iterator keeps the copies it has taken of the road, which nobody edits meanwhile.
+    iterator.ForgetPosition();
     double height = GEO_NULL;
     iterator.CenterlineDeltas(point, r.station, r.offset, height, r.azimuth, r.grade, nullptr);
     if (r.station == GEO_NULL || r.offset == GEO_NULL || r.azimuth == GEO_NULL) {

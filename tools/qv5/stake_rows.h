@@ -58,8 +58,9 @@ struct StakeResult {
     bool past_end = false;
 };
 
-/// Stakes one shot. The iterator is bound to the road afresh for every shot, so that the result
-/// depends on the shot alone (not on the shots before it, nor on which thread evaluates it).
+/// Stakes one shot. The iterator must be bound to the road (`Set`); its position is forgotten for
+/// every shot, so that the result depends on the shot alone (not on the shots before it, nor on
+/// which thread evaluates it).
 /// @param transformation the site calibration (used for WGS84 shots), or null for grid shots
 /// @param snap_tolerance how near (metres) the shot's centreline point must be to a significant
 ///        station for it to be named
