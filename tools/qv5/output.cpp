@@ -8,6 +8,7 @@
 #include "text_stream.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -32,13 +33,26 @@ std::string fixed(double value, int decimals) {
     return fmt::to_string(text);
 }
 
+/// Room for the fixed-point text of any double the program prints with a handful of decimals:
+/// 309 digits before the point, the point, the decimals and a sign. A rarer, longer text (more
+/// than 32 decimals) is formatted the slow way.
+constexpr std::size_t kFixedTextRoom = 352;
+
 void append_fixed(fmt::memory_buffer& out, double value, int decimals) {
     if (value == GEO_NULL) {
         out.push_back('-');
         return;
     }
     const std::size_t first = out.size();
-    fmt::format_to(std::back_inserter(out), "{:.{}f}", value, decimals);
+    // The correctly rounded fixed-point text, as "{:.Nf}" gives it, without parsing a format.
+    char text_buffer[kFixedTextRoom];
+    const auto written = std::to_chars(text_buffer, text_buffer + sizeof text_buffer, value,
+                                       std::chars_format::fixed, decimals);
+    if (written.ec == std::errc()) {
+        out.append(text_buffer, written.ptr);
+    } else {
+        fmt::format_to(std::back_inserter(out), "{:.{}f}", value, decimals);
+    }
     // A value that rounds to zero is shown as zero, never as negative zero.
     const std::string_view text(out.data() + first, out.size() - first);
     if (text.front() == '-' && text.find_first_of("123456789") == std::string_view::npos) {
