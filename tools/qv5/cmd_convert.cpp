@@ -291,13 +291,17 @@ bool convert_one(CGeoTransformation& t, ConversionTarget target, const Conversio
 
 /// Whether a converted point lies far outside the calibration's control points, so far that the
 /// conversion carries the fitted similarity and plane a long way; says so on standard error.
-/// @param where the row's place ("FILE:LINE") or the argument's
-bool warn_if_outside(CGeoTransformation& t, const geo_nee& grid, const std::string& where) {
+/// @param source where the row came from ("FILE", "standard input"), or the command's name for
+///        a position given as arguments
+/// @param line the row's line number, or 0 for an argument
+bool warn_if_outside(CGeoTransformation& t, const geo_nee& grid, const std::string& source,
+                     long long line) {
     double distance = GEO_NULL;
     double limit = GEO_NULL;
     if (qv5::CalibrationReach(t, grid, distance, limit) != 1) {
         return false;
     }
+    const std::string where = line > 0 ? fmt::format("{}:{}", source, line) : source;
     const std::string how_far = distance == GEO_NULL ? std::string("farther than can be measured")
                                                      : fmt::format("{:.0f} m", distance);
     report_error(fmt::format("{}: warning: the point lies {} outside the calibration's control "
@@ -360,8 +364,7 @@ int convert_stream(std::FILE* file, const std::string& source, CGeoTransformatio
                 } else if (!convert_one(t, target, in, grid, wgs84, why)) {
                     report(line_number, why);
                 } else {
-                    const bool outside =
-                        warn_if_outside(t, grid, fmt::format("{}:{}", source, line_number));
+                    const bool outside = warn_if_outside(t, grid, source, line_number);
                     writer.row(in.name, grid, wgs84, outside);
                 }
             }
@@ -452,7 +455,7 @@ int run_convert(const ConvertOptions& options) {
         geo_llh wgs84{};
         std::string why;
         if (convert_one(transformation, target, in, grid, wgs84, why)) {
-            const bool outside = warn_if_outside(transformation, grid, "convert");
+            const bool outside = warn_if_outside(transformation, grid, "convert", 0);
             writer.row(in.name, grid, wgs84, outside);
         } else {
             report_error("convert: " + why);
