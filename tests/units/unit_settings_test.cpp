@@ -351,10 +351,12 @@ TEST(UnitsInUnwritableStore, NoLocationAtAllKeepsTheDefaults) {
     EXPECT_EQ(units.Volume(), units_CubicYards);
 }
 
-TEST_F(UnitsInRegistryFile, ProcessesAndThreadsLeaveOneWrittenSet) {
+TEST_F(UnitsInRegistryFile, ProcessesAndThreadsLeaveEveryChoiceAsOneWriterWroteIt) {
     { const CQuantityUnits create{CString(kKey)}; }
     // Writer w sets every kind to a row derived from w, distinct per writer where the table
-    // allows; a mixed result shows as kinds from different writers.
+    // allows. A writer writes back only the choices it changed from what it read, so that a
+    // concurrent change of another choice survives: the kinds may end up from different writers,
+    // but the file stays whole and every kind holds a row one of the writers set.
     struct Set {
         int hd, vd, angles, bearings, length, grade, station, area, volume, coords;
     };
@@ -401,17 +403,28 @@ TEST_F(UnitsInRegistryFile, ProcessesAndThreadsLeaveOneWrittenSet) {
     const auto text = read_registry_file(path);
     ASSERT_TRUE(text.usable());
     const CQuantityUnits read_back{CString(kKey)};
-    bool matched = false;
-    for (int w = 0; w < 6; ++w) {
-        const Set s = set_of(w);
-        matched = matched ||
-                  (read_back.HorizontalDistance() == s.hd && read_back.VerticalDistance() == s.vd &&
-                   read_back.Angles() == s.angles && read_back.Bearings() == s.bearings &&
-                   read_back.Length() == s.length && read_back.Grade() == s.grade &&
-                   read_back.Stationing() == s.station && read_back.Area() == s.area &&
-                   read_back.Volume() == s.volume && read_back.Coords() == s.coords);
+    const Set got{read_back.HorizontalDistance(),
+                  read_back.VerticalDistance(),
+                  read_back.Angles(),
+                  read_back.Bearings(),
+                  read_back.Length(),
+                  read_back.Grade(),
+                  read_back.Stationing(),
+                  read_back.Area(),
+                  read_back.Volume(),
+                  read_back.Coords()};
+    const auto written_by_a_writer = [&set_of](int Set::*kind, int value) {
+        for (int w = 0; w < 6; ++w) {
+            if (set_of(w).*kind == value) {
+                return true;
+            }
+        }
+        return false;
+    };
+    for (int Set::*kind : {&Set::hd, &Set::vd, &Set::angles, &Set::bearings, &Set::length,
+                           &Set::grade, &Set::station, &Set::area, &Set::volume, &Set::coords}) {
+        EXPECT_TRUE(written_by_a_writer(kind, got.*kind)) << got.*kind;
     }
-    EXPECT_TRUE(matched);
 }
 
 TEST_F(UnitsInRegistryFile, AChoiceOnlyReadLeavesAnotherProgramsChangeAlone) {
