@@ -39,6 +39,18 @@ bool insert_record(VertElementRecord*& records, int& count, int at, georoad_Vert
     return true;
 }
 
+/// Makes a new PVI's element and puts its record at `at`. @return false, nothing changed, when
+/// memory runs out
+bool insert_new_pvi(VertElementRecord*& records, int& count, int at, georoad_VertElementType type,
+                    double station, double elevation, double length) {
+    void* element = new_vertical_element(type, station, elevation, length);
+    if (element == nullptr || !insert_record(records, count, at, type, element)) {
+        delete_vertical_element(type, element);
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 int CGeoRoad::ValidateVertical(int previous, int next, georoad_VertElementType type, double station,
@@ -62,10 +74,8 @@ int CGeoRoad::AddVertical(georoad_VertElementType type, double station, double e
         return 0;
     }
     const int at = m_numVertElements;
-    void* element = new_vertical_element(type, station, elevation, length);
-    if (element == nullptr || OwnArrays() == 0 ||
-        !insert_record(m_vertElements, m_numVertElements, at, type, element)) {
-        delete_vertical_element(type, element);
+    if (OwnArrays() == 0 ||
+        !insert_new_pvi(m_vertElements, m_numVertElements, at, type, station, elevation, length)) {
         report(error, georoad_MemoryError);
         return 0;
     }
@@ -85,10 +95,8 @@ int CGeoRoad::InsertVertical(int n, georoad_VertElementType type, double station
         report(error, georoad_VerticalError);
         return 0;
     }
-    void* element = new_vertical_element(type, station, elevation, length);
-    if (element == nullptr || OwnArrays() == 0 ||
-        !insert_record(m_vertElements, m_numVertElements, n, type, element)) {
-        delete_vertical_element(type, element);
+    if (OwnArrays() == 0 ||
+        !insert_new_pvi(m_vertElements, m_numVertElements, n, type, station, elevation, length)) {
         report(error, georoad_MemoryError);
         return 0;
     }

@@ -53,10 +53,7 @@ bool parse_size(const std::string& text, int& width, int& height) {
 /// status with the problem reported: an unknown name lists the names the library holds
 int read_road_template(const DrawOptions& o, CGeoTemplate& t) {
     CGeoRoad road;
-    RoadForm form = RoadForm::description;
-    std::vector<JobError> errors;
-    if (!load_road(o.file, road, form, errors, o.alignment)) {
-        report_road_errors(o.file, form, errors);
+    if (!load_road_or_report(o.file, road, o.alignment)) {
         return kExitBadData;
     }
     const int n = road.TemplateIndex(CString::FromUtf8(o.template_name));

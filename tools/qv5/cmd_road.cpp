@@ -56,6 +56,19 @@ const char* turn_name(geodef_Direction direction) {
     return direction == geodef_Left ? "left" : "right";
 }
 
+/// The entry azimuth, radius and turn of a curved element (arc or spiral) of type `Curve`.
+template <class Curve>
+void curve_of(CGeoRoad& road, int n, ElementRow& row) {
+    double station = 0.0;
+    double azimuth = 0.0;
+    CGeoPoint start;
+    Curve e;
+    road.GetNthHorizontal(n, row.type, station, start, azimuth, &e);
+    row.azimuth = e.EntryAzimuth();
+    row.radius = e.Radius();
+    row.turn = turn_name(e.Direction());
+}
+
 ElementRow element_row(CGeoRoad& road, int n) {
     ElementRow row{road.NthHorizontalType(n),
                    road.HorzElementStartStation(n),
@@ -64,40 +77,25 @@ ElementRow element_row(CGeoRoad& road, int n) {
                    GEO_NULL,
                    GEO_NULL,
                    ""};
-    double station = 0.0;
-    double azimuth = 0.0;
-    CGeoPoint start;
     switch (row.type) {
     case georoad_Line: {
+        double station = 0.0;
+        double azimuth = 0.0;
+        CGeoPoint start;
         CGeoLine e;
         road.GetNthHorizontal(n, row.type, station, start, azimuth, &e);
         row.azimuth = e.GridAzimuth();
         break;
     }
-    case georoad_Arc: {
-        CGeoArc e;
-        road.GetNthHorizontal(n, row.type, station, start, azimuth, &e);
-        row.azimuth = e.EntryAzimuth();
-        row.radius = e.Radius();
-        row.turn = turn_name(e.Direction());
+    case georoad_Arc:
+        curve_of<CGeoArc>(road, n, row);
         break;
-    }
-    case georoad_EntrySpiral: {
-        CGeoEntrySpiral e;
-        road.GetNthHorizontal(n, row.type, station, start, azimuth, &e);
-        row.azimuth = e.EntryAzimuth();
-        row.radius = e.Radius();
-        row.turn = turn_name(e.Direction());
+    case georoad_EntrySpiral:
+        curve_of<CGeoEntrySpiral>(road, n, row);
         break;
-    }
-    case georoad_ExitSpiral: {
-        CGeoExitSpiral e;
-        road.GetNthHorizontal(n, row.type, station, start, azimuth, &e);
-        row.azimuth = e.EntryAzimuth();
-        row.radius = e.Radius();
-        row.turn = turn_name(e.Direction());
+    case georoad_ExitSpiral:
+        curve_of<CGeoExitSpiral>(road, n, row);
         break;
-    }
     default:
         break;
     }
@@ -169,10 +167,7 @@ int curb_features(const CGeoTemplate& t) {
 
 int run_road(const RoadOptions& options) {
     CGeoRoad road;
-    RoadForm form = RoadForm::description;
-    std::vector<JobError> errors;
-    if (!load_road(options.file, road, form, errors, options.alignment)) {
-        report_road_errors(options.file, form, errors);
+    if (!load_road_or_report(options.file, road, options.alignment)) {
         return kExitBadArguments;
     }
 

@@ -90,10 +90,7 @@ bool load_stake_road(const std::string& file, const std::string& alignment, CGeo
         report_error("stake: cannot read road '" + file + "'");
         return false;
     }
-    RoadForm form = RoadForm::description;
-    std::vector<JobError> errors;
-    if (!load_road(file, road, form, errors, alignment)) {
-        report_road_errors(file, form, errors);
+    if (!load_road_or_report(file, road, alignment)) {
         return false;
     }
     if (road.NumberHorizontalElements() == 0) {

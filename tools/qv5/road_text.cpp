@@ -762,4 +762,14 @@ bool save_road_file(const std::string& path, CGeoRoad& road) {
     return road.Write(utf16.GetString(), &error) != 0;
 }
 
+bool load_road_or_report(const std::string& path, CGeoRoad& road, const std::string& alignment) {
+    RoadForm form = RoadForm::description;
+    std::vector<JobError> errors;
+    if (!load_road(path, road, form, errors, alignment)) {
+        report_road_errors(path, form, errors);
+        return false;
+    }
+    return true;
+}
+
 } // namespace qv5::cli

@@ -58,6 +58,11 @@ bool load_road(const std::string& path, CGeoRoad& road, RoadForm& form,
 void report_road_errors(const std::string& path, RoadForm form,
                         const std::vector<JobError>& errors);
 
+/// load_road, reporting its errors on standard error when the road cannot be loaded.
+/// @return false when the road could not be loaded (it is then empty)
+bool load_road_or_report(const std::string& path, CGeoRoad& road,
+                         const std::string& alignment = {});
+
 /// Writes the road file (UTF-8 path). @return false when it could not be written
 bool save_road_file(const std::string& path, CGeoRoad& road);
 
