@@ -21,6 +21,10 @@ namespace qv5::detail {
 struct IteratorElement {
     HorizontalCopy copy{-1, GEO_NULL, {}};
     double length = 0.0; ///< stationing length; 0 for a record without an element
+    /// Plan position of the element's point half-way along it, loaded on first use: every point
+    /// of the element lies within half the length of it, however the element curves.
+    double middle_north = GEO_NULL;
+    double middle_east = GEO_NULL;
     unsigned known = 0;
 };
 
@@ -46,6 +50,10 @@ struct IteratorAccess {
                                 double spiral_tolerance);
     /// Element k's private copy (loaded on first use); k must be within the road's count.
     static IteratorElement& element(CGeoRoadIterator& it, int k);
+    /// How far the point lies at least from every point of element k, in plan, metres: the
+    /// distance to the element's middle less half its length, 0 when that says nothing (a
+    /// point near the element, or coordinates or a length that are not finite).
+    static double distance_at_least(CGeoRoadIterator& it, int k, CGeoPoint& point);
     /// CGeoRoadIterator::CheckPointOnRoadWay.
     static int on_roadway(CGeoRoadIterator& it, double station, double offset);
     /// The closest-offset search over every element, with the iterator's element copies.

@@ -41,8 +41,9 @@ inline constexpr double kStartSearchTolerance = 0.01;
 inline constexpr double kBreakOffsetTolerance = 0.01;
 /// Most regula falsi steps of a transition-point search.
 inline constexpr int kBreakMaxSteps = 11;
-/// The bit of an element slot that says its copy is loaded.
+/// The bits of an element slot that say its copy, and its middle point, are loaded.
 inline constexpr unsigned kKnownElement = 1;
+inline constexpr unsigned kKnownMiddle = 2;
 /// Name of a section's centreline break.
 inline constexpr unsigned short kCentrelineName[] = {u'C', u'L', u'#', u'#', u'#', 0};
 
@@ -170,6 +171,39 @@ ElementDeltas IteratorAccess::invert(CGeoRoadIterator& it, int k, CGeoPoint& poi
         d.inverted = false;
     }
     return d;
+}
+
+double IteratorAccess::distance_at_least(CGeoRoadIterator& it, int k, CGeoPoint& point) {
+    IteratorElement& e = element(it, k);
+    ensure_group<FailurePolicy::kRememberNull>(e.known, kKnownMiddle, [&] {
+        CGeoPoint middle;
+        const double half = e.length * 0.5;
+        if (auto* line = std::get_if<CGeoLine>(&e.copy.element)) {
+            line->GridHorzPoint(half, middle);
+        } else if (auto* arc = std::get_if<CGeoArc>(&e.copy.element)) {
+            arc->GridHorzPoint(half, middle);
+        } else if (auto* entry = std::get_if<CGeoEntrySpiral>(&e.copy.element)) {
+            entry->GridHorzPoint(half, kSpiralTolerance, middle);
+        } else if (auto* exit = std::get_if<CGeoExitSpiral>(&e.copy.element)) {
+            exit->GridHorzPoint(half, kSpiralTolerance, middle);
+        }
+        if (middle.Ok2DGrid() == 0) {
+            return false;
+        }
+        e.middle_north = middle.Northing();
+        e.middle_east = middle.Easting();
+        return true;
+    });
+    if (point.Ok2DGrid() == 0) {
+        return 0.0;
+    }
+    const double reach =
+        std::hypot(point.Northing() - e.middle_north, point.Easting() - e.middle_east) -
+        e.length * 0.5;
+    return e.middle_north != GEO_NULL && e.middle_east != GEO_NULL && std::isfinite(reach) &&
+                   reach > 0.0
+               ? reach
+               : 0.0;
 }
 
 int IteratorAccess::on_roadway(CGeoRoadIterator& it, double station, double offset) {

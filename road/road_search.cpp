@@ -35,6 +35,11 @@ ElementKind kind_of(int type) {
     }
 }
 
+/// How much farther than the best offset so far an element in the middle of the road must lie
+/// before the closest-offset search skips it, metres: far beyond rounding and the spirals'
+/// series tolerance, so that a skipped element could never have been taken.
+inline constexpr double kSkipMargin = 1.0;
+
 /// Smallest application station starts here, above any real station.
 inline constexpr double kFirstApplicationStart = qv5::detail::kSearchStart;
 
@@ -55,13 +60,24 @@ double IteratorAccess::closest_offset(CGeoRoadIterator& it, CGeoPoint& point, do
         if (type < georoad_Line || type > georoad_ExitSpiral) {
             continue;
         }
+        const bool corner = type == georoad_Line && k + 1 < count &&
+                            RoadAccess::horizontal_type(*it.m_road, k + 1) == georoad_Line;
+        // An element between the first and the last, other than a line before a corner, can
+        // offer only a point inside it, whose offset is its distance from the point (lines and
+        // arcs measure it square to the element, spirals as the chord to their point). When
+        // even the nearest the element comes is farther than the best offset so far, it could
+        // not be taken, and its inversion is skipped: the answer is the same, bit for bit.
+        if (k > 0 && k < count - 1 && !corner &&
+            IteratorAccess::distance_at_least(it, k, point) >
+                std::fabs(best.offset) + kSkipMargin) {
+            continue;
+        }
         IteratorElement& e = IteratorAccess::element(it, k);
         // Every spiral is searched from its middle, whatever the iterator last found.
         const ElementDeltas d = IteratorAccess::invert(it, k, point, e.length * 0.5, tolerance);
         OffsetCandidate c{d.inverted,           d.station, d.offset, e.length,
                           e.copy.start_station, false,     GEO_NULL};
-        if (type == georoad_Line && k + 1 < count &&
-            RoadAccess::horizontal_type(*it.m_road, k + 1) == georoad_Line) {
+        if (corner) {
             c.line_followed_by_line = true;
             auto& line = std::get<CGeoLine>(e.copy.element);
             c.corner_distance = geo_horz_dist(point.Grid(), line.EndPt().Grid());

@@ -3,18 +3,22 @@
 
 #include "qv5/georoad.h"
 #include "qv5/georoaditer.h"
+#include "qv5/geosurvey.h"
 
 #include "support/test_numbers.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <random>
 
 using qv5::test::flat_template;
 using qv5::test::grid_point;
 using qv5::test::is_geo_null;
 using qv5::test::kHalfPi;
 using qv5::test::RoadBuilder;
+using qv5::test::TestIterator;
 
 namespace {
 
@@ -253,4 +257,148 @@ TEST(FindStationWithClosestOffset, PastEndKeepsCandidateOnRoadway) {
     EXPECT_EQ(element, 1);
     EXPECT_NEAR(station, 104.5, 1e-9);
     EXPECT_NEAR(offset, 2.0, 1e-9);
+}
+
+namespace {
+
+/// Station and offset of a point against one element as the closest-offset search takes them:
+/// lines by GridStation and GridOffset, arcs and spirals by GridDeltas, spirals from their middle.
+bool element_deltas(CGeoRoad& road, int k, CGeoPoint& p, double tolerance, double& along,
+                    double& offset, double& length) {
+    double station = GEO_NULL;
+    double azimuth = GEO_NULL;
+    CGeoPoint start;
+    double ignored = GEO_NULL;
+    switch (road.NthHorizontalType(k)) {
+    case georoad_Line: {
+        CGeoLine line;
+        road.GetNthHorizontal(k, georoad_Line, station, start, azimuth, &line);
+        along = line.GridStation(p);
+        offset = line.GridOffset(p);
+        length = line.GridHDistance();
+        return true;
+    }
+    case georoad_Arc: {
+        CGeoArc arc;
+        road.GetNthHorizontal(k, georoad_Arc, station, start, azimuth, &arc);
+        arc.GridDeltas(p, along, offset, ignored);
+        length = arc.GridArcLength();
+        return true;
+    }
+    case georoad_EntrySpiral: {
+        CGeoEntrySpiral s;
+        road.GetNthHorizontal(k, georoad_EntrySpiral, station, start, azimuth, &s);
+        length = s.Length();
+        s.GridDeltas(p, length * 0.5, tolerance, along, offset, ignored);
+        return true;
+    }
+    case georoad_ExitSpiral: {
+        CGeoExitSpiral s;
+        road.GetNthHorizontal(k, georoad_ExitSpiral, station, start, azimuth, &s);
+        length = s.Length();
+        s.GridDeltas(p, length * 0.5, tolerance, along, offset, ignored);
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
+struct Closest {
+    double station = GEO_NULL;
+    double offset = 1e100;
+    int element = -1;
+};
+
+/// The closest-offset search written out plainly: every element inverted, in order.
+Closest reference_closest(CGeoRoad& road, CGeoPoint p, double tolerance) {
+    Closest best;
+    TestIterator on_road;
+    on_road.Set(&road);
+    const int count = road.NumberHorizontalElements();
+    for (int k = 0; k < count; ++k) {
+        double a = GEO_NULL;
+        double o = GEO_NULL;
+        double length = GEO_NULL;
+        if (!element_deltas(road, k, p, tolerance, a, o, length) || a == GEO_NULL ||
+            o == GEO_NULL) {
+            continue;
+        }
+        const double s0 = road.HorzElementStartStation(k);
+        if (a < 0.0) {
+            if (k == 0) {
+                best = {s0 + a, std::fabs(a) > std::fabs(o) ? std::fabs(a) : o, k};
+            }
+        } else if (a <= length) {
+            if (std::fabs(o) < std::fabs(best.offset)) {
+                best = {s0 + a, o, k};
+            }
+        } else if (k == count - 1) {
+            const double beyond = a - length;
+            if (std::fabs(o) < std::fabs(best.offset) && beyond < std::fabs(best.offset) &&
+                on_road.CheckPointOnRoadWay(best.station, best.offset) == 0) {
+                best = {s0 + a, beyond > std::fabs(o) ? o : beyond, k};
+            }
+        } else if (road.NthHorizontalType(k) == georoad_Line &&
+                   road.NthHorizontalType(k + 1) == georoad_Line &&
+                   std::fabs(o) < std::fabs(best.offset)) {
+            CGeoLine line;
+            double station = GEO_NULL;
+            double azimuth = GEO_NULL;
+            CGeoPoint start;
+            road.GetNthHorizontal(k, georoad_Line, station, start, azimuth, &line);
+            best = {s0 + length, geo_horz_dist(p.Grid(), line.EndPt().Grid()), k};
+        }
+    }
+    return best;
+}
+
+/// A road that winds back and forth past itself: every kind of element, lines meeting at
+/// corners, curves both ways, with a 2 m wide paved template (26 elements).
+void build_winding_road(CGeoRoad& road) {
+    RoadBuilder b(road, 5000.0, 7000.0, 0.3, 20.0);
+    b.line(120.0);
+    for (int i = 0; i < 5; ++i) {
+        const geodef_Direction d = i % 2 == 0 ? geodef_Right : geodef_Left;
+        b.entry_spiral(60.0, 40.0, d).arc(60.0, 110.0 + 10.0 * i, d).exit_spiral(60.0, 40.0, d);
+        b.line(50.0).turn(i % 2 == 0 ? 0.4 : -0.4).line(70.0);
+    }
+    CGeoTemplate t = flat_template("Paved", 2.0, 0.0, 0.0);
+    road.AddTemplate(&t);
+    road.AddTemplateApplication(CString("Paved"), 0.0, geodef_BothSides);
+}
+
+} // namespace
+
+TEST(FindStationWithClosestOffset, SameAsInvertingEveryElementOnAWindingRoad) {
+    CGeoRoad road;
+    build_winding_road(road);
+    const int count = road.NumberHorizontalElements();
+    ASSERT_EQ(count, 26);
+    const double length = road.EndStationHorizontal() - road.StartStationHorizontal();
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> station(-60.0, length + 60.0);
+    std::uniform_real_distribution<double> across(-1.0, 1.0);
+    int skipped_somewhere = 0;
+    for (int i = 0; i < 4000; ++i) {
+        // Near the road, off it, and far out (where the inside of a bend sees many elements).
+        const double reach = i % 4 == 0 ? 400.0 : (i % 4 == 1 ? 40.0 : 3.0);
+        CGeoPoint p =
+            road_point(road, std::clamp(station(random), 0.0, length), across(random) * reach);
+        if (i % 7 == 0) {
+            p.SetGrid(p.Northing() + station(random) * 0.1, p.Easting() - 30.0, 0.0);
+        }
+        const Closest expected = reference_closest(road, p, 0.01);
+        double offset = GEO_NULL;
+        int element = -2;
+        const double found = road.FindStationWithClosestOffset(p, offset, 0.01, &element);
+        ASSERT_EQ(element, expected.element) << i;
+        ASSERT_EQ(offset, expected.offset) << i;
+        if (expected.element >= 0) {
+            ASSERT_EQ(found, expected.station) << i;
+        }
+        skipped_somewhere += expected.element >= 0 && expected.element < count - 2 ? 1 : 0;
+    }
+    // Most answers lie before the last elements, so the later ones were candidates for skipping.
+    EXPECT_GT(skipped_somewhere, 2000);
 }

@@ -8,9 +8,12 @@
 #include "text_stream.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <limits>
 
 namespace qv5::cli {
 
@@ -38,20 +41,107 @@ std::string fixed(double value, int decimals) {
 /// than 32 decimals) is formatted the slow way.
 constexpr std::size_t kFixedTextRoom = 352;
 
+namespace {
+
+/// Most decimals the integer path takes: 10^17 times a 53-bit significand stays below 2^110.
+constexpr int kExactFixedMostDecimals = 17;
+/// Bits of a double's stored significand, and the bias that turns its exponent field into the
+/// power of two of the whole significand (value = significand × 2^(field − bias)).
+constexpr int kSignificandBits = 52;
+constexpr int kExponentBias = 1075;
+constexpr unsigned kExponentMask = 0x7ff;
+
+// A 128-bit unsigned integer (a GCC and Clang extension on every target the program builds for).
+__extension__ typedef unsigned __int128 Wide;
+
+/// The fixed-point text of `value` with `decimals` decimals, correctly rounded from the double's
+/// exact binary value, ties to even: what std::to_chars writes, without its general machinery.
+/// The double is m × 2^e exactly, so m × 10^decimals × 2^e is the scaled value; for the values a
+/// survey prints (a few hundred kilometres at most, a handful of decimals) it fits in 128 bits and
+/// the rounding is one shift and one comparison. Returns false, writing nothing, for anything the
+/// integer path cannot hold; the caller then takes the general route.
+bool exact_fixed(double value, int decimals, fmt::memory_buffer& out) {
+    if (decimals < 0 || decimals > kExactFixedMostDecimals || !std::isfinite(value)) {
+        return false;
+    }
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    const bool negative = (bits >> 63) != 0;
+    const auto field = static_cast<int>((bits >> kSignificandBits) & kExponentMask);
+    std::uint64_t significand = bits & ((std::uint64_t{1} << kSignificandBits) - 1);
+    int exponent = 1 - kExponentBias; // subnormals
+    if (field != 0) {
+        significand |= std::uint64_t{1} << kSignificandBits;
+        exponent = field - kExponentBias;
+    }
+    Wide scaled = significand;
+    for (int i = 0; i < decimals; ++i) {
+        scaled *= 10U;
+    }
+    Wide units;
+    if (exponent >= 0) {
+        // Whole numbers: exact as long as the shift keeps every bit (well past 2^64 anyway).
+        if (exponent > 12) {
+            return false;
+        }
+        units = scaled << exponent;
+    } else {
+        const int shift = -exponent;
+        if (shift >= 127) {
+            // Far below the last decimal: only a zero (of the value's sign) can come out, and the
+            // general route spells that out the same way; let it.
+            return false;
+        }
+        units = scaled >> shift;
+        const Wide rest = scaled & ((Wide{1} << shift) - 1);
+        const Wide half = Wide{1} << (shift - 1);
+        if (rest > half || (rest == half && (units & 1U) != 0)) {
+            ++units;
+        }
+    }
+    if (units > std::numeric_limits<std::uint64_t>::max()) {
+        return false;
+    }
+    char digits[24];
+    const auto written =
+        std::to_chars(digits, digits + sizeof digits, static_cast<std::uint64_t>(units));
+    const auto count = static_cast<int>(written.ptr - digits);
+    if (negative) {
+        out.push_back('-');
+    }
+    const int whole = count - decimals;
+    if (whole <= 0) {
+        out.push_back('0');
+    } else {
+        out.append(digits, digits + whole);
+    }
+    if (decimals > 0) {
+        out.push_back('.');
+        for (int i = whole; i < 0; ++i) {
+            out.push_back('0');
+        }
+        out.append(digits + std::max(whole, 0), written.ptr);
+    }
+    return true;
+}
+
+} // namespace
+
 void append_fixed(fmt::memory_buffer& out, double value, int decimals) {
     if (value == GEO_NULL) {
         out.push_back('-');
         return;
     }
     const std::size_t first = out.size();
-    // The correctly rounded fixed-point text, as "{:.Nf}" gives it, without parsing a format.
-    char text_buffer[kFixedTextRoom];
-    const auto written = std::to_chars(text_buffer, text_buffer + sizeof text_buffer, value,
-                                       std::chars_format::fixed, decimals);
-    if (written.ec == std::errc()) {
-        out.append(text_buffer, written.ptr);
-    } else {
-        fmt::format_to(std::back_inserter(out), "{:.{}f}", value, decimals);
+    if (!exact_fixed(value, decimals, out)) {
+        // The correctly rounded fixed-point text, as "{:.Nf}" gives it, without parsing a format.
+        char text_buffer[kFixedTextRoom];
+        const auto written = std::to_chars(text_buffer, text_buffer + sizeof text_buffer, value,
+                                           std::chars_format::fixed, decimals);
+        if (written.ec == std::errc()) {
+            out.append(text_buffer, written.ptr);
+        } else {
+            fmt::format_to(std::back_inserter(out), "{:.{}f}", value, decimals);
+        }
     }
     // A value that rounds to zero is shown as zero, never as negative zero.
     const std::string_view text(out.data() + first, out.size() - first);

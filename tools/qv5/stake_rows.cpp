@@ -7,20 +7,62 @@
 #include "qv5/geopoint.h"
 #include "qv5/geotemplate.h"
 
+#include <array>
 #include <cmath>
 #include <string>
-#include <vector>
 
 namespace qv5::cli {
 namespace {
 
-bool is_header(std::string_view field) {
-    std::string lower;
-    for (const char c : trim(field)) {
-        lower.push_back(static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c));
+/// Whether `text` spells `lower` (a lower-case word) in any mix of cases.
+bool same_word(std::string_view text, std::string_view lower) {
+    if (text.size() != lower.size()) {
+        return false;
     }
-    return lower == "name" || lower == "latitude" || lower == "lat" || lower == "north" ||
-           lower == "northing";
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if ((c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) != lower[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool is_header(std::string_view field) {
+    const std::string_view word = trim(field);
+    for (const std::string_view name : {"name", "latitude", "lat", "north", "northing"}) {
+        if (same_word(word, name)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Most fields a shot row has: a name and three values.
+constexpr std::size_t kMostShotFields = 4;
+
+/// The comma-separated fields of a row, the first `kMostShotFields` of them kept; `count` is how
+/// many the row has. Read in place: a million rows make no allocation here.
+struct ShotFields {
+    std::array<std::string_view, kMostShotFields> field;
+    std::size_t count = 0;
+};
+
+ShotFields shot_fields(std::string_view line) {
+    ShotFields fields;
+    std::size_t start = 0;
+    while (true) {
+        const std::size_t comma = line.find(',', start);
+        if (fields.count < kMostShotFields) {
+            fields.field[fields.count] =
+                line.substr(start, comma == std::string_view::npos ? comma : comma - start);
+        }
+        ++fields.count;
+        if (comma == std::string_view::npos) {
+            return fields;
+        }
+        start = comma + 1;
+    }
 }
 
 bool finite_result(const StakeResult& r) {
@@ -81,19 +123,23 @@ RowKind parse_shot_row(std::string_view line, ShotCoordinates coordinates, Shot&
     if (text.empty() || text.front() == '#') {
         return RowKind::skipped;
     }
-    std::vector<std::string_view> fields = split_fields(text);
+    const ShotFields row = shot_fields(text);
+    const auto& fields = row.field;
     if (is_header(fields.front())) {
         return RowKind::skipped;
     }
-    if (fields.size() != 3 && fields.size() != 4) {
-        why = "expected 3 values (or a name and 3 values), found " + std::to_string(fields.size()) +
+    if (row.count != 3 && row.count != 4) {
+        why = "expected 3 values (or a name and 3 values), found " + std::to_string(row.count) +
               " field(s)";
         return RowKind::bad;
     }
-    shot = Shot{std::string(), GEO_NULL, GEO_NULL, GEO_NULL};
+    shot.name.clear();
+    shot.a = GEO_NULL;
+    shot.b = GEO_NULL;
+    shot.c = GEO_NULL;
     std::size_t first = 0;
-    if (fields.size() == 4) {
-        shot.name = std::string(trim(fields[0]));
+    if (row.count == 4) {
+        shot.name.assign(trim(fields[0]));
         first = 1;
     }
     const bool wgs84 = coordinates == ShotCoordinates::wgs84;
