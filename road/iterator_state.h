@@ -39,6 +39,8 @@ struct IteratorState {
     std::vector<IteratorElement> elements;     ///< sized to the road's element count
     std::vector<ProfileRecordView> profile;    ///< copied once per Set or Reset
     std::vector<ApplicationView> applications; ///< copied once per Set or Reset
+    /// Scratch of the closest-offset search: how near the point each element comes at least.
+    std::vector<double> reach;
     unsigned known = 0;
 };
 

@@ -13,7 +13,9 @@
 #include "road/iterator_state.h"
 #include "road/road_access.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 using qv5::detail::ElementKind;
 using qv5::detail::IteratorAccess;
@@ -55,29 +57,76 @@ double IteratorAccess::closest_offset(CGeoRoadIterator& it, CGeoPoint& point, do
     const auto on_roadway = [&](double station, double off) {
         return IteratorAccess::on_roadway(it, station, off);
     };
-    for (int k = 0; k < count; ++k) {
+    const auto searched = [&](int k) {
         const int type = RoadAccess::horizontal_type(*it.m_road, k);
-        if (type < georoad_Line || type > georoad_ExitSpiral) {
+        return type >= georoad_Line && type <= georoad_ExitSpiral;
+    };
+    const auto corner = [&](int k) {
+        return RoadAccess::horizontal_type(*it.m_road, k) == georoad_Line && k + 1 < count &&
+               RoadAccess::horizontal_type(*it.m_road, k + 1) == georoad_Line;
+    };
+    // An element between the first and the last, other than a line before a corner, can offer
+    // only a point inside it, whose offset is its distance from the point (lines and arcs
+    // measure it square to the element, spirals as the chord to their point): at least the
+    // distance from the point to the element as a whole.
+    const auto inside_only = [&](int k) {
+        return k > 0 && k < count - 1 && searched(k) && !corner(k);
+    };
+    // Every spiral is searched from its middle, whatever the iterator last found.
+    const auto invert = [&](int k) {
+        return IteratorAccess::invert(it, k, point, IteratorAccess::element(it, k).length * 0.5,
+                                      tolerance);
+    };
+
+    // The anchor: the inside-only element nearest the point, inverted first. When the point lies
+    // inside it, at offset u, an inside-only element before it that lies farther than u cannot
+    // change the answer: had it been taken, the best offset would have stayed above u until the
+    // anchor, which replaces it then either way (an element taken meanwhile leaves an offset at
+    // least its own, a corner at least the line's). After the anchor, an inside-only element
+    // farther than the best offset so far could not be taken. Both skips keep the answer the
+    // same, bit for bit, and spare most of the inversions on a long road.
+    IteratorState& state = *it.m_state;
+    state.reach.assign(static_cast<std::size_t>(std::max(count, 0)), 0.0);
+    int anchor = -1;
+    for (int k = 1; k < count - 1; ++k) {
+        if (inside_only(k)) {
+            state.reach[static_cast<std::size_t>(k)] =
+                IteratorAccess::distance_at_least(it, k, point);
+            if (anchor < 0 || state.reach[static_cast<std::size_t>(k)] <
+                                  state.reach[static_cast<std::size_t>(anchor)]) {
+                anchor = k;
+            }
+        }
+    }
+    ElementDeltas anchor_deltas{};
+    double anchor_offset = 0.0;
+    if (anchor >= 0) {
+        anchor_deltas = invert(anchor);
+        const bool inside = anchor_deltas.inverted && anchor_deltas.station != GEO_NULL &&
+                            anchor_deltas.offset != GEO_NULL && anchor_deltas.station >= 0.0 &&
+                            anchor_deltas.station <= anchor_deltas.length &&
+                            std::isfinite(anchor_deltas.offset);
+        anchor_offset = std::fabs(anchor_deltas.offset);
+        if (!inside) {
+            anchor_offset = std::numeric_limits<double>::infinity();
+        }
+    }
+
+    for (int k = 0; k < count; ++k) {
+        if (!searched(k)) {
             continue;
         }
-        const bool corner = type == georoad_Line && k + 1 < count &&
-                            RoadAccess::horizontal_type(*it.m_road, k + 1) == georoad_Line;
-        // An element between the first and the last, other than a line before a corner, can
-        // offer only a point inside it, whose offset is its distance from the point (lines and
-        // arcs measure it square to the element, spirals as the chord to their point). When
-        // even the nearest the element comes is farther than the best offset so far, it could
-        // not be taken, and its inversion is skipped: the answer is the same, bit for bit.
-        if (k > 0 && k < count - 1 && !corner &&
-            IteratorAccess::distance_at_least(it, k, point) >
-                std::fabs(best.offset) + kSkipMargin) {
-            continue;
+        if (inside_only(k) && k != anchor) {
+            const double bound = k < anchor ? anchor_offset : std::fabs(best.offset);
+            if (state.reach[static_cast<std::size_t>(k)] > bound + kSkipMargin) {
+                continue;
+            }
         }
         IteratorElement& e = IteratorAccess::element(it, k);
-        // Every spiral is searched from its middle, whatever the iterator last found.
-        const ElementDeltas d = IteratorAccess::invert(it, k, point, e.length * 0.5, tolerance);
+        const ElementDeltas d = k == anchor ? anchor_deltas : invert(k);
         OffsetCandidate c{d.inverted,           d.station, d.offset, e.length,
                           e.copy.start_station, false,     GEO_NULL};
-        if (corner) {
+        if (corner(k)) {
             c.line_followed_by_line = true;
             auto& line = std::get<CGeoLine>(e.copy.element);
             c.corner_distance = geo_horz_dist(point.Grid(), line.EndPt().Grid());

@@ -402,3 +402,38 @@ TEST(FindStationWithClosestOffset, SameAsInvertingEveryElementOnAWindingRoad) {
     // Most answers lie before the last elements, so the later ones were candidates for skipping.
     EXPECT_GT(skipped_somewhere, 2000);
 }
+
+TEST(FindStationWithClosestOffset, SameAsInvertingEveryElementAcrossTheWholeArea) {
+    // Every 6 m over the area the winding road covers and 100 m around it: many points lie
+    // about as far from two or three elements, where skipping one wrongly would show.
+    CGeoRoad road;
+    build_winding_road(road);
+    const double length = road.EndStationHorizontal() - road.StartStationHorizontal();
+    double north[2] = {1e300, -1e300};
+    double east[2] = {1e300, -1e300};
+    for (double s = 0.0; s <= length; s += 5.0) {
+        CGeoPoint p = road_point(road, s, 0.0);
+        north[0] = std::min(north[0], p.Grid().north - 100.0);
+        north[1] = std::max(north[1], p.Grid().north + 100.0);
+        east[0] = std::min(east[0], p.Grid().east - 100.0);
+        east[1] = std::max(east[1], p.Grid().east + 100.0);
+    }
+    constexpr double kStep = 6.0;
+    int points = 0;
+    for (double n = north[0]; n <= north[1]; n += kStep) {
+        for (double e = east[0]; e <= east[1]; e += kStep) {
+            CGeoPoint p = grid_point(n, e, 0.0);
+            const Closest expected = reference_closest(road, p, 0.01);
+            double offset = GEO_NULL;
+            int element = -2;
+            const double found = road.FindStationWithClosestOffset(p, offset, 0.01, &element);
+            ASSERT_EQ(element, expected.element) << n << " " << e;
+            ASSERT_EQ(offset, expected.offset) << n << " " << e;
+            if (expected.element >= 0) {
+                ASSERT_EQ(found, expected.station) << n << " " << e;
+            }
+            ++points;
+        }
+    }
+    EXPECT_GT(points, 10000);
+}

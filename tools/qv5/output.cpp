@@ -8,6 +8,7 @@
 #include "text_stream.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -54,42 +55,53 @@ constexpr unsigned kExponentMask = 0x7ff;
 // A 128-bit unsigned integer (a GCC and Clang extension on every target the program builds for).
 __extension__ typedef unsigned __int128 Wide;
 
+/// 10^0 to 10^17.
+constexpr std::array<std::uint64_t, kExactFixedMostDecimals + 1> kPowersOfTen = [] {
+    std::array<std::uint64_t, kExactFixedMostDecimals + 1> powers{};
+    std::uint64_t p = 1;
+    for (auto& power : powers) {
+        power = p;
+        p *= 10U;
+    }
+    return powers;
+}();
+
+/// Room for the integer path's text: a sign, 20 digits, a point and 17 leading zeros at most.
+/// The text is written at the end of the room.
+constexpr std::size_t kExactTextRoom = 48;
+
 /// The fixed-point text of `value` with `decimals` decimals, correctly rounded from the double's
-/// exact binary value, ties to even: what std::to_chars writes, without its general machinery.
+/// exact binary value, ties to even, a value that rounds to zero without its minus sign: what
+/// std::to_chars writes (less the sign of a zero), without its general machinery.
 /// The double is m × 2^e exactly, so m × 10^decimals × 2^e is the scaled value; for the values a
 /// survey prints (a few hundred kilometres at most, a handful of decimals) it fits in 128 bits and
-/// the rounding is one shift and one comparison. Returns false, writing nothing, for anything the
-/// integer path cannot hold; the caller then takes the general route.
-bool exact_fixed(double value, int decimals, fmt::memory_buffer& out) {
+/// the rounding is one shift and one comparison. Returns the length of the text written at the
+/// end of `text`, or 0 for anything the integer path cannot hold; the caller then takes the general
+/// route.
+std::size_t exact_fixed(double value, int decimals, char (&text)[kExactTextRoom]) {
     if (decimals < 0 || decimals > kExactFixedMostDecimals || !std::isfinite(value)) {
-        return false;
+        return 0;
     }
     const auto bits = std::bit_cast<std::uint64_t>(value);
-    const bool negative = (bits >> 63) != 0;
     const auto field = static_cast<int>((bits >> kSignificandBits) & kExponentMask);
-    std::uint64_t significand = bits & ((std::uint64_t{1} << kSignificandBits) - 1);
-    int exponent = 1 - kExponentBias; // subnormals
-    if (field != 0) {
-        significand |= std::uint64_t{1} << kSignificandBits;
-        exponent = field - kExponentBias;
+    if (field == 0) {
+        return 0; // zero and subnormals: rare, left to the general route
     }
-    Wide scaled = significand;
-    for (int i = 0; i < decimals; ++i) {
-        scaled *= 10U;
-    }
+    const std::uint64_t significand = (bits & ((std::uint64_t{1} << kSignificandBits) - 1)) |
+                                      (std::uint64_t{1} << kSignificandBits);
+    const int exponent = field - kExponentBias;
+    const Wide scaled = Wide{significand} * kPowersOfTen[static_cast<std::size_t>(decimals)];
     Wide units;
     if (exponent >= 0) {
         // Whole numbers: exact as long as the shift keeps every bit (well past 2^64 anyway).
         if (exponent > 12) {
-            return false;
+            return 0;
         }
         units = scaled << exponent;
     } else {
         const int shift = -exponent;
         if (shift >= 127) {
-            // Far below the last decimal: only a zero (of the value's sign) can come out, and the
-            // general route spells that out the same way; let it.
-            return false;
+            return 0; // far below the last decimal: left to the general route
         }
         units = scaled >> shift;
         const Wide rest = scaled & ((Wide{1} << shift) - 1);
@@ -99,29 +111,27 @@ bool exact_fixed(double value, int decimals, fmt::memory_buffer& out) {
         }
     }
     if (units > std::numeric_limits<std::uint64_t>::max()) {
-        return false;
+        return 0;
     }
-    char digits[24];
-    const auto written =
-        std::to_chars(digits, digits + sizeof digits, static_cast<std::uint64_t>(units));
-    const auto count = static_cast<int>(written.ptr - digits);
-    if (negative) {
-        out.push_back('-');
-    }
-    const int whole = count - decimals;
-    if (whole <= 0) {
-        out.push_back('0');
-    } else {
-        out.append(digits, digits + whole);
+    // Written backwards from the end of the room: the decimals, the point, the whole part, the
+    // sign of a value that does not round to zero.
+    auto rest = static_cast<std::uint64_t>(units);
+    char* first = std::end(text);
+    for (int i = 0; i < decimals; ++i) {
+        *--first = static_cast<char>('0' + rest % 10U);
+        rest /= 10U;
     }
     if (decimals > 0) {
-        out.push_back('.');
-        for (int i = whole; i < 0; ++i) {
-            out.push_back('0');
-        }
-        out.append(digits + std::max(whole, 0), written.ptr);
+        *--first = '.';
     }
-    return true;
+    do {
+        *--first = static_cast<char>('0' + rest % 10U);
+        rest /= 10U;
+    } while (rest != 0);
+    if ((bits >> 63) != 0 && units != 0) {
+        *--first = '-';
+    }
+    return static_cast<std::size_t>(std::end(text) - first);
 }
 
 } // namespace
@@ -131,17 +141,20 @@ void append_fixed(fmt::memory_buffer& out, double value, int decimals) {
         out.push_back('-');
         return;
     }
+    char exact[kExactTextRoom];
+    if (const std::size_t length = exact_fixed(value, decimals, exact); length != 0) {
+        out.append(std::end(exact) - length, std::end(exact));
+        return;
+    }
     const std::size_t first = out.size();
-    if (!exact_fixed(value, decimals, out)) {
-        // The correctly rounded fixed-point text, as "{:.Nf}" gives it, without parsing a format.
-        char text_buffer[kFixedTextRoom];
-        const auto written = std::to_chars(text_buffer, text_buffer + sizeof text_buffer, value,
-                                           std::chars_format::fixed, decimals);
-        if (written.ec == std::errc()) {
-            out.append(text_buffer, written.ptr);
-        } else {
-            fmt::format_to(std::back_inserter(out), "{:.{}f}", value, decimals);
-        }
+    // The correctly rounded fixed-point text, as "{:.Nf}" gives it, without parsing a format.
+    char text_buffer[kFixedTextRoom];
+    const auto written = std::to_chars(text_buffer, text_buffer + sizeof text_buffer, value,
+                                       std::chars_format::fixed, decimals);
+    if (written.ec == std::errc()) {
+        out.append(text_buffer, written.ptr);
+    } else {
+        fmt::format_to(std::back_inserter(out), "{:.{}f}", value, decimals);
     }
     // A value that rounds to zero is shown as zero, never as negative zero.
     const std::string_view text(out.data() + first, out.size() - first);
