@@ -56,6 +56,8 @@ struct IteratorAccess {
     /// distance to the element's middle less half its length, 0 when that says nothing (a
     /// point near the element, or coordinates or a length that are not finite).
     static double distance_at_least(CGeoRoadIterator& it, int k, CGeoPoint& point);
+    /// Whether the iterator is bound to this road.
+    static bool bound_to(const CGeoRoadIterator& it, const CGeoRoad* road);
     /// CGeoRoadIterator::CheckPointOnRoadWay.
     static int on_roadway(CGeoRoadIterator& it, double station, double offset);
     /// The closest-offset search over every element, with the iterator's element copies.

@@ -197,13 +197,19 @@ double IteratorAccess::distance_at_least(CGeoRoadIterator& it, int k, CGeoPoint&
     if (point.Ok2DGrid() == 0) {
         return 0.0;
     }
-    const double reach =
-        std::hypot(point.Northing() - e.middle_north, point.Easting() - e.middle_east) -
-        e.length * 0.5;
+    // Plain square root: survey coordinates are far from overflowing, and a reach that is not
+    // finite says nothing.
+    const double dn = point.Northing() - e.middle_north;
+    const double de = point.Easting() - e.middle_east;
+    const double reach = std::sqrt(dn * dn + de * de) - e.length * 0.5;
     return e.middle_north != GEO_NULL && e.middle_east != GEO_NULL && std::isfinite(reach) &&
                    reach > 0.0
                ? reach
                : 0.0;
+}
+
+bool IteratorAccess::bound_to(const CGeoRoadIterator& it, const CGeoRoad* road) {
+    return road != nullptr && it.m_road == road;
 }
 
 int IteratorAccess::on_roadway(CGeoRoadIterator& it, double station, double offset) {

@@ -149,14 +149,15 @@ double CGeoRoad::FindStationWithClosestOffset(CGeoPoint& pt, double& offset, dou
     return IteratorAccess::closest_offset(it, pt, offset, d, element);
 }
 
-int CGeoRoad::FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station,
-                                georoad_HorzTransitionType& type) {
-    const int count = RoadAccess::horizontal_count(*this);
+namespace {
+
+/// FindClosestHorzPt with an iterator bound to the road whose position is forgotten.
+int closest_horizontal_point(CGeoRoad& road, CGeoRoadIterator& it, CGeoPoint& pt, double tolerance,
+                             double& station, georoad_HorzTransitionType& type) {
+    const int count = RoadAccess::horizontal_count(road);
     if (count <= 0) {
         return 0;
     }
-    CGeoRoadIterator it;
-    it.Set(this);
     double s = GEO_NULL, o = GEO_NULL, dz = GEO_NULL, azimuth = GEO_NULL, grade = GEO_NULL;
     it.CenterlineDeltas(pt, s, o, dz, azimuth, grade, nullptr);
     const int k = it.CurrentHorizontalElement();
@@ -167,17 +168,17 @@ int CGeoRoad::FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station
     in.station = s;
     in.offset = o;
     in.tolerance = tolerance;
-    in.road_start = RoadAccess::start_station(*this);
-    in.road_end = RoadAccess::end_station(*this);
-    in.interval = RoadAccess::station_interval(*this);
-    in.element_start = RoadAccess::horizontal_start_station(*this, k);
+    in.road_start = RoadAccess::start_station(road);
+    in.road_end = RoadAccess::end_station(road);
+    in.interval = RoadAccess::station_interval(road);
+    in.element_start = RoadAccess::horizontal_start_station(road, k);
     in.last_element = k == count - 1;
     in.next_start =
-        in.last_element ? in.road_end : RoadAccess::horizontal_start_station(*this, k + 1);
-    in.before_k = k > 0 ? kind_of(RoadAccess::horizontal_type(*this, k - 1)) : ElementKind::Other;
-    in.kind_k = kind_of(RoadAccess::horizontal_type(*this, k));
+        in.last_element ? in.road_end : RoadAccess::horizontal_start_station(road, k + 1);
+    in.before_k = k > 0 ? kind_of(RoadAccess::horizontal_type(road, k - 1)) : ElementKind::Other;
+    in.kind_k = kind_of(RoadAccess::horizontal_type(road, k));
     in.after_k =
-        in.last_element ? ElementKind::Other : kind_of(RoadAccess::horizontal_type(*this, k + 1));
+        in.last_element ? ElementKind::Other : kind_of(RoadAccess::horizontal_type(road, k + 1));
     const qv5::detail::SnapResult snap = qv5::detail::snap_station(in);
     if (snap.station_written) {
         station = snap.station;
@@ -186,6 +187,24 @@ int CGeoRoad::FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station
         type = static_cast<georoad_HorzTransitionType>(snap.type);
     }
     return snap.result;
+}
+
+} // namespace
+
+int CGeoRoad::FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station,
+                                georoad_HorzTransitionType& type) {
+    CGeoRoadIterator it;
+    it.Set(this);
+    return closest_horizontal_point(*this, it, pt, tolerance, station, type);
+}
+
+int CGeoRoad::FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station,
+                                georoad_HorzTransitionType& type, CGeoRoadIterator& iterator) {
+    if (!IteratorAccess::bound_to(iterator, this)) {
+        return FindClosestHorzPt(pt, tolerance, station, type);
+    }
+    iterator.ForgetPosition();
+    return closest_horizontal_point(*this, iterator, pt, tolerance, station, type);
 }
 
 double CGeoRoad::Min3DStationing() {

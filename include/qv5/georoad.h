@@ -12,6 +12,7 @@
 
 #include <cstddef>
 
+class CGeoRoadIterator;
 class CGeoTemplate;
 
 namespace qv5::detail {
@@ -315,6 +316,14 @@ public:
     ///         station was also found)
     int FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station,
                           georoad_HorzTransitionType& type);
+    /// FindClosestHorzPt with an iterator of the caller's instead of a fresh one: the same
+    /// answer, without taking the road's elements again for every point. The iterator must be
+    /// bound to this road (`Set`) and the road not edited since (as for
+    /// CGeoRoadIterator::ForgetPosition, which the search calls first); its position is left
+    /// where the search leaves it. An iterator bound to another road, or to none, is not used: a
+    /// fresh one is.
+    int FindClosestHorzPt(CGeoPoint& pt, double tolerance, double& station,
+                          georoad_HorzTransitionType& type, CGeoRoadIterator& iterator);
     /// The centreline station whose perpendicular passes closest to a point, over every
     /// horizontal element.
     /// @param pt measured point (grid)

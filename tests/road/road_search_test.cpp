@@ -13,6 +13,7 @@
 #include <cmath>
 #include <random>
 
+using qv5::test::build_curve_road;
 using qv5::test::flat_template;
 using qv5::test::grid_point;
 using qv5::test::is_geo_null;
@@ -436,4 +437,44 @@ TEST(FindStationWithClosestOffset, SameAsInvertingEveryElementAcrossTheWholeArea
         }
     }
     EXPECT_GT(points, 10000);
+}
+
+TEST(FindClosestHorzPt, WithTheCallersIteratorSameAsWithAFreshOne) {
+    CGeoRoad road;
+    build_winding_road(road);
+    CGeoRoad other;
+    build_curve_road(other);
+    CGeoRoadIterator warm;
+    warm.Set(&road);
+    CGeoRoadIterator elsewhere;
+    elsewhere.Set(&other);
+    CGeoRoadIterator unbound;
+    const double length = road.EndStationHorizontal() - road.StartStationHorizontal();
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> station(-5.0, length + 5.0);
+    std::uniform_real_distribution<double> across(-0.3, 0.3);
+    int snapped = 0;
+    for (int i = 0; i < 3000; ++i) {
+        // Half of them a few centimetres from an even station, where most snap.
+        double s = station(random);
+        if (i % 2 == 0) {
+            s = std::round(s / 20.0) * 20.0 + across(random) * 0.1;
+        }
+        CGeoPoint p = road_point(road, std::clamp(s, 0.0, length), across(random) * 0.1);
+        const Snap fresh = snap(road, p, 0.05);
+        for (CGeoRoadIterator* it : {&warm, &elsewhere, &unbound}) {
+            Snap with{-1, -999.0, georoad_TransArcArc};
+            with.result = road.FindClosestHorzPt(p, 0.05, with.station, with.type, *it);
+            ASSERT_EQ(with.result, fresh.result) << i;
+            ASSERT_EQ(with.station, fresh.station) << i;
+            ASSERT_EQ(with.type, fresh.type) << i;
+        }
+        snapped += fresh.result;
+    }
+    EXPECT_GT(snapped, 1000);
+    // The iterator of another road was left alone.
+    CGeoPoint q = road_point(other, 100.0, 0.0);
+    double s = GEO_NULL, o = GEO_NULL, dz = GEO_NULL, azimuth = GEO_NULL, grade = GEO_NULL;
+    elsewhere.CenterlineDeltas(q, s, o, dz, azimuth, grade, nullptr);
+    EXPECT_NEAR(s, 100.0, 1e-6);
 }

@@ -255,7 +255,7 @@ StakeResult stake_shot(CGeoRoad& road, CGeoRoadIterator& iterator,
         foot.SetGrid(foot.Northing(), foot.Easting(), r.centreline);
         double station = GEO_NULL;
         georoad_HorzTransitionType type = georoad_TransNone;
-        if (road.FindClosestHorzPt(foot, snap_tolerance, station, type) != 0 &&
+        if (road.FindClosestHorzPt(foot, snap_tolerance, station, type, iterator) != 0 &&
             station != GEO_NULL && std::isfinite(station)) {
             r.significant_station = station;
             r.significant_type = type;
