@@ -35,7 +35,10 @@ struct IteratorState {
         kKnownApplications = 2, ///< `applications` holds the road's template applications
     };
 
-    CGeoTemplate work;                         ///< the template Intersection evaluates
+    CGeoTemplate work; ///< the template Intersection evaluates
+    /// The template CheckPointOnRoadWay blends, apart from `work`: the closest-offset search
+    /// asks for it from inside Intersection's own CenterlineDeltas.
+    CGeoTemplate roadway;
     std::vector<IteratorElement> elements;     ///< sized to the road's element count
     std::vector<ProfileRecordView> profile;    ///< copied once per Set or Reset
     std::vector<ApplicationView> applications; ///< copied once per Set or Reset

@@ -590,7 +590,8 @@ void CGeoRoadIterator::Intersection(CGeoPoint& point, double direction, CGeoPoin
 }
 
 int CGeoRoadIterator::CheckPointOnRoadWay(double station, double offset) {
-    CGeoTemplate templ;
+    // A template of the iterator's own, blended into again and again without allocating.
+    CGeoTemplate& templ = m_state->roadway;
     CalcTemplate(offset >= 0.0 ? geodef_RightSide : geodef_LeftSide, station, &templ);
     if (templ.NumberElements() == 0) {
         return 0;

@@ -170,20 +170,22 @@ public:
         }
     }
 
-    std::string row(const Shot& shot, const StakeResult& r) const {
+    /// The output of one staked shot, into `line` (whose storage is reused).
+    void row(const Shot& shot, const StakeResult& r, std::string& line) const {
         if (m_format == Format::text) {
             std::string near = "-";
             if (r.significant_station != GEO_NULL) {
                 near = m_show.station(r.significant_station, 3) + " " +
                        transition_name(r.significant_type);
             }
-            return fmt::format("{:<10}{:>14}{:>12}{:>4}{:>11}{:>12}{:>11}{:>15}{:>10}  {} / {}\n",
+            line = fmt::format("{:<10}{:>14}{:>12}{:>4}{:>11}{:>12}{:>11}{:>15}{:>10}  {} / {}\n",
                                shot.name, m_show.station(r.station, 3),
                                m_show.distance(m_show.raw() ? r.offset : std::fabs(r.offset), 3),
                                side_text(r.offset), m_show.height(r.design, 3),
                                cut_fill_text(m_show, r.cut), m_show.height(r.centreline, 3),
                                m_show.bearing(r.azimuth, 6), m_show.grade(r.grade, 6), near,
                                note_of(r));
+            return;
         }
         if (m_format == Format::csv) {
             // Every column in metres and radians, whatever the user's units: a station in a
@@ -221,7 +223,8 @@ public:
             number(r.grid.east, 4);
             number(r.grid.elev, 4);
             out.push_back('\n');
-            return fmt::to_string(out);
+            line.assign(out.data(), out.size());
+            return;
         }
 
         nlohmann::ordered_json j = {
@@ -251,7 +254,7 @@ public:
                               {"azimuth", m_show.bearing(r.azimuth, 6)},
                               {"grade", m_show.grade(r.grade, 6)}};
         }
-        return j.dump(-1);
+        line = j.dump(-1);
     }
 
     /// Appends a row's text to `out`, which the caller writes a block at a time.
@@ -290,7 +293,7 @@ private:
 
 /// One row of input and, once evaluated, its output or its problem.
 struct Row {
-    int line;
+    int line = 0;
     std::string text;
     Shot shot;
     RowKind kind = RowKind::skipped;
@@ -361,7 +364,7 @@ private:
                 row.problem = (row.shot.name.empty() ? "" : row.shot.name + ": ") + r.why;
                 continue;
             }
-            row.output = m_writer.row(row.shot, r);
+            m_writer.row(row.shot, r, row.output);
         }
     }
 
@@ -467,12 +470,22 @@ int stake_rows(const StakeOptions& o, CGeoRoad& road, CGeoTransformation* calibr
     std::string line;
     bool more = true;
     const auto read_block = [&](std::vector<Row>& rows) {
-        rows.clear();
-        while (rows.size() < kBlockRows && (more = static_cast<bool>(std::getline(*in, line)))) {
+        // The rows of the block before are reused: their strings keep their storage.
+        std::size_t count = 0;
+        while (count < kBlockRows && (more = static_cast<bool>(std::getline(*in, line)))) {
             ++line_number;
             consumed += line.size() + 1;
-            rows.push_back(Row{line_number, line, Shot{}, RowKind::skipped, {}, {}});
+            if (rows.size() <= count) {
+                rows.emplace_back();
+            }
+            Row& row = rows[count++];
+            row.line = line_number;
+            row.text.assign(line);
+            row.kind = RowKind::skipped;
+            row.output.clear();
+            row.problem.clear();
         }
+        rows.resize(count);
     };
     std::string out;
     const auto write_block = [&](const std::vector<Row>& rows) {
@@ -493,9 +506,10 @@ int stake_rows(const StakeOptions& o, CGeoRoad& road, CGeoTransformation* calibr
     evaluator.start(blocks[current]);
     while (!blocks[current].empty()) {
         std::vector<Row>& next = blocks[1 - current];
-        next.clear();
         if (more) {
             read_block(next);
+        } else {
+            next.clear();
         }
         evaluator.wait();
         evaluator.start(next);
