@@ -177,6 +177,30 @@ TEST(StakeRows, BadRowsAreReportedWithTheirLineAndTheRunGoesOn) {
     EXPECT_EQ(r.out.find("inf"), std::string::npos);
 }
 
+TEST(StakeRows, WindowsLineEndsAndAByteOrderMarkReadAsPlainRows) {
+    // A file saved by a Windows spreadsheet: a UTF-8 byte-order mark, CR LF line ends.
+    const std::string shots = read_file(kData + "/sample-shots.csv");
+    std::string windows = "\xEF\xBB\xBF";
+    for (const char c : shots) {
+        if (c == '\n') {
+            windows += '\r';
+        }
+        windows += c;
+    }
+    const qv5::test::ScratchFolder scratch;
+    const std::string plain_file = scratch.file("plain.csv");
+    const std::string windows_file = scratch.file("windows.csv");
+    std::ofstream(plain_file, std::ios::binary) << shots;
+    std::ofstream(windows_file, std::ios::binary) << windows;
+    const auto plain = qv5::test::run_qv5(with(sample_args(), {"--csv", "--input", plain_file}));
+    const auto from_windows =
+        qv5::test::run_qv5(with(sample_args(), {"--csv", "--input", windows_file}));
+    EXPECT_EQ(from_windows.exit_code, plain.exit_code) << from_windows.err;
+    EXPECT_GT(rows_of(plain.out).size(), 20u);
+    EXPECT_EQ(from_windows.out, plain.out);
+    EXPECT_EQ(from_windows.err, plain.err);
+}
+
 TEST(StakeRows, ArgumentsAndGridPositions) {
     const auto r = qv5::test::run_qv5(
         with(sample_args(), {"--grid", "--csv", "--raw", "449600", "129680", "4.5"}));

@@ -27,6 +27,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -321,15 +322,11 @@ public:
     /// can write the block before and read the block after meanwhile. Call `wait` before
     /// touching the rows again, and before the next `start`.
     void start(std::vector<Row>& rows) {
-        const std::size_t workers = m_workers.size();
-        const std::size_t per = (rows.size() + workers - 1) / workers;
+        m_next.store(0, std::memory_order_relaxed);
+        const std::size_t workers =
+            std::min(m_workers.size(), (rows.size() + kRowsPerTake - 1) / kRowsPerTake);
         for (std::size_t w = 0; w < workers; ++w) {
-            const std::size_t begin = w * per;
-            const std::size_t end = std::min(rows.size(), begin + per);
-            if (begin >= end) {
-                break;
-            }
-            m_threads.emplace_back([this, &rows, w, begin, end] { run(rows, w, begin, end); });
+            m_threads.emplace_back([this, &rows, w] { run(rows, w); });
         }
     }
 
@@ -344,11 +341,30 @@ public:
     ~BlockEvaluator() { wait(); }
 
 private:
-    void run(std::vector<Row>& rows, std::size_t worker, std::size_t begin, std::size_t end) {
+    /// Rows a worker takes at a time: workers that take small runs in turn finish a block
+    /// together, whatever the rows cost (a shot near a significant station costs more).
+    static constexpr std::size_t kRowsPerTake = 32;
+
+    void run(std::vector<Row>& rows, std::size_t worker) {
         CGeoRoadIterator& it = m_workers[worker].iterator;
         CGeoTransformation* calibration = m_workers[worker].calibration.get();
+        while (true) {
+            const std::size_t begin = m_next.fetch_add(kRowsPerTake, std::memory_order_relaxed);
+            if (begin >= rows.size()) {
+                return;
+            }
+            const std::size_t end = std::min(rows.size(), begin + kRowsPerTake);
+            evaluate(rows, it, calibration, begin, end);
+        }
+    }
+
+    void evaluate(std::vector<Row>& rows, CGeoRoadIterator& it, CGeoTransformation* calibration,
+                  std::size_t begin, std::size_t end) {
         for (std::size_t i = begin; i < end; ++i) {
             Row& row = rows[i];
+            if (row.kind == RowKind::bad) {
+                continue; // found bad while it was read
+            }
             std::string why;
             row.kind = parse_shot_row(row.text, m_coords, row.shot, why);
             if (row.kind == RowKind::bad) {
@@ -382,6 +398,8 @@ private:
 
     std::vector<Worker> m_workers;
     std::vector<std::thread> m_threads;
+    /// The first row of the block that no worker has taken yet.
+    std::atomic<std::size_t> m_next{0};
 };
 
 /// Shows how far through its input file the run is, on a terminal.
@@ -418,35 +436,40 @@ private:
 int stake_rows(const StakeOptions& o, CGeoRoad& road, CGeoTransformation* calibration,
                const DisplayUnits& show, Format format) {
     const ShotCoordinates coords = o.grid ? ShotCoordinates::grid : ShotCoordinates::wgs84;
-    std::unique_ptr<std::istream> owned;
-    std::istream* in = &std::cin;
+    std::FILE* file = stdin;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(nullptr, &std::fclose);
     std::string source = "standard input";
     std::uintmax_t size = 0;
+    std::string given;
     if (!o.values.empty()) {
         if (o.values.size() % 3 != 0) {
             report_error(fmt::format("stake: give three values for each position ({} given)",
                                      o.values.size()));
             return kExitBadArguments;
         }
-        std::string text;
         for (std::size_t i = 0; i < o.values.size(); i += 3) {
-            text += o.values[i] + "," + o.values[i + 1] + "," + o.values[i + 2] + "\n";
+            given += o.values[i] + "," + o.values[i + 1] + "," + o.values[i + 2] + "\n";
         }
-        owned = std::make_unique<std::istringstream>(text);
-        in = owned.get();
+        // The positions given as arguments are read as rows of a file held in memory.
+        opened.reset(fmemopen(given.data(), given.size(), "r"));
+        if (!opened) {
+            report_error("stake: cannot read the positions given");
+            return kExitBadArguments;
+        }
+        file = opened.get();
         source = "argument";
     } else if (!o.input_file.empty() && o.input_file != "-") {
-        auto file = std::make_unique<std::ifstream>(o.input_file, std::ios::binary);
-        if (!*file) {
+        opened.reset(std::fopen(o.input_file.c_str(), "rb"));
+        if (!opened) {
             report_error("stake: cannot read input '" + o.input_file + "'");
             return kExitBadData;
         }
         std::error_code error;
         size = fs::file_size(o.input_file, error);
-        owned = std::move(file);
-        in = owned.get();
+        file = opened.get();
         source = o.input_file;
     }
+    LineSource lines(file);
     int workers = o.threads;
     if (workers <= 0) {
         workers = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
@@ -462,28 +485,30 @@ int stake_rows(const StakeOptions& o, CGeoRoad& road, CGeoTransformation* calibr
     Progress progress(size > 0 && isatty(STDERR_FILENO) != 0, size);
     writer.begin();
     int bad = 0;
-    int line_number = 0;
     std::uintmax_t consumed = 0;
     // Two blocks in turn: while the workers evaluate one, this thread writes the one before it
     // and reads the one after it, so that reading and writing cost no evaluation time.
     std::vector<Row> blocks[2];
-    std::string line;
     bool more = true;
     const auto read_block = [&](std::vector<Row>& rows) {
         // The rows of the block before are reused: their strings keep their storage.
         std::size_t count = 0;
-        while (count < kBlockRows && (more = static_cast<bool>(std::getline(*in, line)))) {
-            ++line_number;
+        std::string_view line;
+        while (count < kBlockRows && (more = lines.next(line))) {
             consumed += line.size() + 1;
             if (rows.size() <= count) {
                 rows.emplace_back();
             }
             Row& row = rows[count++];
-            row.line = line_number;
+            row.line = static_cast<int>(lines.line_number());
             row.text.assign(line);
             row.kind = RowKind::skipped;
             row.output.clear();
             row.problem.clear();
+            if (lines.cut()) {
+                row.kind = RowKind::bad;
+                row.problem = fmt::format("the line is longer than {} bytes", LineSource::kMaxLine);
+            }
         }
         rows.resize(count);
     };
@@ -521,6 +546,10 @@ int stake_rows(const StakeOptions& o, CGeoRoad& road, CGeoTransformation* calibr
     progress.finish();
     writer.end();
     std::cout << std::flush;
+    if (lines.failed()) {
+        report_error("stake: " + source + ": cannot be read to the end");
+        return kExitBadData;
+    }
     if (bad > 0) {
         report_error(fmt::format("stake: {} bad row(s) skipped", bad));
         return kExitBadData;
