@@ -92,6 +92,44 @@ std::unique_ptr<CGeoRoad> long_road(int n) {
     return road;
 }
 
+/// A road of n elements winding both ways: a line of 40 m, an entry spiral of 20 m, an arc of
+/// radius 100 m over 30 m and an exit spiral of 20 m, turning right then left in turn.
+std::unique_ptr<CGeoRoad> winding_road(int n) {
+    auto road = std::make_unique<CGeoRoad>();
+    road->SetPOBInfo(0.0, 0.0, 0.0, 20.0);
+    CGeoPoint o(geo_nee{0.0, 0.0, 0.0});
+    for (int i = 0; i < n; ++i) {
+        const geodef_Direction d = (i / 4) % 2 == 0 ? geodef_Right : geodef_Left;
+        switch (i % 4) {
+        case 0: {
+            CGeoLine line;
+            line.Set(o, 0.0, 40.0, 0.0);
+            road->AddHorizontal(georoad_Line, &line);
+            break;
+        }
+        case 1: {
+            CGeoEntrySpiral spiral;
+            spiral.Set(o, 0.0, d, 100.0, 20.0);
+            road->AddHorizontal(georoad_EntrySpiral, &spiral);
+            break;
+        }
+        case 2: {
+            CGeoArc arc;
+            arc.Set(o, 0.0, 100.0, 30.0, d, 0.0);
+            road->AddHorizontal(georoad_Arc, &arc);
+            break;
+        }
+        default: {
+            CGeoExitSpiral spiral;
+            spiral.Set(o, 0.0, d, 100.0, 20.0);
+            road->AddHorizontal(georoad_ExitSpiral, &spiral);
+            break;
+        }
+        }
+    }
+    return road;
+}
+
 /// The walking surveyor on one element: CenterlineDeltas of the next point of the walk, beside
 /// GridHorzPoint of the element at that station.
 template <class Element>
@@ -200,6 +238,37 @@ void register_all() {
                                              benchmark::DoNotOptimize(s);
                                          }
                                      });
+    }
+    // Cold starts on a winding road, 3 m off the centreline half way along: after Set (the
+    // iterator copies the elements it needs), and after ForgetPosition (it keeps its copies, as
+    // the stake keeps them from shot to shot).
+    for (const int n : {10, 100, 1000, 10000}) {
+        std::shared_ptr<CGeoRoad> road(winding_road(n).release());
+        auto it = std::make_shared<CGeoRoadIterator>();
+        it->Set(road.get());
+        CGeoPoint on_road;
+        double azimuth = GEO_NULL;
+        const double middle = road->HorzElementStartStation(n / 2) + 5.0;
+        it->CenterlinePoint(middle, 3.0, 0.0, on_road, azimuth, nullptr, nullptr);
+        const geo_nee point{on_road.Northing(), on_road.Easting(), 0.0};
+        for (const bool keep : {false, true}) {
+            const std::string name =
+                keep ? "BM_Iterator_ColdStart_Winding_Kept/" : "BM_Iterator_ColdStart_Winding/";
+            benchmark::RegisterBenchmark((name + std::to_string(n)).c_str(),
+                                         [road, it, point, keep](benchmark::State& state) {
+                                             for (auto _ : state) {
+                                                 if (keep) {
+                                                     it->ForgetPosition();
+                                                 } else {
+                                                     it->Set(road.get());
+                                                 }
+                                                 CGeoPoint p(point);
+                                                 double s, o, dz, az, g;
+                                                 it->CenterlineDeltas(p, s, o, dz, az, g, nullptr);
+                                                 benchmark::DoNotOptimize(s);
+                                             }
+                                         });
+        }
     }
     // One bare inversion of a line element (a fresh copy, as the cold start makes them).
     {

@@ -59,6 +59,14 @@ BASELINES = {
     "BM_Iterator_ColdStart/100": ["BM_Iterator_ColdStart_LineInversion"],
     "BM_Iterator_ColdStart/1000": ["BM_Iterator_ColdStart_LineInversion"],
     "BM_Iterator_ColdStart/10000": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart_Winding/10": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart_Winding/100": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart_Winding/1000": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart_Winding/10000": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart_Winding_Kept/10": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart_Winding_Kept/100": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart_Winding_Kept/1000": ["BM_Iterator_ColdStart_LineInversion"],
+    "BM_Iterator_ColdStart_Winding_Kept/10000": ["BM_Iterator_ColdStart_LineInversion"],
 }
 
 # Nanoseconds per time unit of a benchmark's report.
