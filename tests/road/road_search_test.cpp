@@ -262,6 +262,19 @@ TEST(FindStationWithClosestOffset, PastEndKeepsCandidateOnRoadway) {
 
 namespace {
 
+/// A spiral's station and offset of a point, its search started from the spiral's middle.
+template <class Spiral>
+void spiral_deltas(CGeoRoad& road, int k, georoad_HorzElementType type, CGeoPoint& p,
+                   double tolerance, double& along, double& offset, double& length) {
+    Spiral s;
+    double station = GEO_NULL;
+    double azimuth = GEO_NULL;
+    CGeoPoint start;
+    road.GetNthHorizontal(k, type, station, start, azimuth, &s);
+    length = s.Length();
+    s.GridDeltas(p, length * 0.5, tolerance, along, offset, azimuth);
+}
+
 /// Station and offset of a point against one element as the closest-offset search takes them:
 /// lines by GridStation and GridOffset, arcs and spirals by GridDeltas, spirals from their middle.
 bool element_deltas(CGeoRoad& road, int k, CGeoPoint& p, double tolerance, double& along,
@@ -286,20 +299,14 @@ bool element_deltas(CGeoRoad& road, int k, CGeoPoint& p, double tolerance, doubl
         length = arc.GridArcLength();
         return true;
     }
-    case georoad_EntrySpiral: {
-        CGeoEntrySpiral s;
-        road.GetNthHorizontal(k, georoad_EntrySpiral, station, start, azimuth, &s);
-        length = s.Length();
-        s.GridDeltas(p, length * 0.5, tolerance, along, offset, ignored);
+    case georoad_EntrySpiral:
+        spiral_deltas<CGeoEntrySpiral>(road, k, georoad_EntrySpiral, p, tolerance, along, offset,
+                                       length);
         return true;
-    }
-    case georoad_ExitSpiral: {
-        CGeoExitSpiral s;
-        road.GetNthHorizontal(k, georoad_ExitSpiral, station, start, azimuth, &s);
-        length = s.Length();
-        s.GridDeltas(p, length * 0.5, tolerance, along, offset, ignored);
+    case georoad_ExitSpiral:
+        spiral_deltas<CGeoExitSpiral>(road, k, georoad_ExitSpiral, p, tolerance, along, offset,
+                                      length);
         return true;
-    }
     default:
         return false;
     }
