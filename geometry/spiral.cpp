@@ -11,6 +11,7 @@
 #include "core/lazy_cache.h"
 #include "geometry/clothoid.h"
 #include "geometry/point_access.h"
+#include "geometry/spiral_access.h"
 #include "geometry/spiral_math.h"
 #include "geometry/traverse.h"
 #include "qv5/geoarc.h"
@@ -174,13 +175,22 @@ public:
         }
     }
 
+    /// The clothoid as laid out on the ground, with its stepping trigonometry.
+    SpiralLayout layout() { return SpiralLayout(shape()); }
+
     void grid_deltas(CGeoPoint& point, double start_station, double tolerance, double& station,
                      double& offset, double& azimuth) {
+        SpiralLayout spiral = layout();
+        grid_deltas(spiral, point, start_station, tolerance, station, offset, azimuth);
+    }
+
+    /// The inversion with a layout of this spiral's (made by layout() since it was last set).
+    void grid_deltas(SpiralLayout& spiral, CGeoPoint& point, double start_station, double tolerance,
+                     double& station, double& offset, double& azimuth) {
         station = GEO_NULL;
         offset = GEO_NULL;
         azimuth = GEO_NULL;
         const geo_nee p = grid_of(point);
-        SpiralLayout spiral(shape());
         const double length = spiral.shape().length;
         if (!has_plan(p) || length == GEO_NULL) {
             return;
@@ -526,3 +536,31 @@ void CGeoExitSpiral::GridDeltas(CGeoPoint& point, double startStation, double to
                                 double& station, double& offset, double& azimuth) {
     state_in<Exit>(m_state).grid_deltas(point, startStation, tolerance, station, offset, azimuth);
 }
+
+// ---- the library's own access -------------------------------------------------------------------
+
+namespace qv5::detail {
+
+SpiralLayout SpiralAccess::layout(CGeoEntrySpiral& spiral) {
+    return state_in<Entry>(spiral.m_state).layout();
+}
+
+SpiralLayout SpiralAccess::layout(CGeoExitSpiral& spiral) {
+    return state_in<Exit>(spiral.m_state).layout();
+}
+
+void SpiralAccess::grid_deltas(CGeoEntrySpiral& spiral, SpiralLayout& layout, CGeoPoint& point,
+                               double startStation, double tolerance, double& station,
+                               double& offset, double& azimuth) {
+    state_in<Entry>(spiral.m_state)
+        .grid_deltas(layout, point, startStation, tolerance, station, offset, azimuth);
+}
+
+void SpiralAccess::grid_deltas(CGeoExitSpiral& spiral, SpiralLayout& layout, CGeoPoint& point,
+                               double startStation, double tolerance, double& station,
+                               double& offset, double& azimuth) {
+    state_in<Exit>(spiral.m_state)
+        .grid_deltas(layout, point, startStation, tolerance, station, offset, azimuth);
+}
+
+} // namespace qv5::detail

@@ -8,7 +8,9 @@
 #include "core/constants.h"
 #include "geometry/clothoid.h"
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 namespace qv5::detail {
 
@@ -40,6 +42,35 @@ SpiralLayout::SpiralLayout(const SpiralShape& shape)
       m_across(shape.tangent_azimuth + kHalfPi, !shape.turns_right) {}
 
 bool SpiralLayout::point(double station, double tolerance, geo_nee& out) {
+    const auto station_bits = std::bit_cast<std::uint64_t>(station);
+    const auto tolerance_bits = std::bit_cast<std::uint64_t>(tolerance);
+    if (m_pointKnown && station_bits == m_pointStation && tolerance_bits == m_pointTolerance) {
+        if (m_pointFound) {
+            out = m_point;
+        }
+        return m_pointFound;
+    }
+    m_pointKnown = true;
+    m_pointStation = station_bits;
+    m_pointTolerance = tolerance_bits;
+    m_pointFound = laid_out_point(station, tolerance, m_point);
+    if (m_pointFound) {
+        out = m_point;
+    }
+    return m_pointFound;
+}
+
+double SpiralLayout::azimuth(double station) {
+    const auto station_bits = std::bit_cast<std::uint64_t>(station);
+    if (!m_azimuthKnown || station_bits != m_azimuthStation) {
+        m_azimuthKnown = true;
+        m_azimuthStation = station_bits;
+        m_azimuth = spiral_azimuth(m_shape, station);
+    }
+    return m_azimuth;
+}
+
+bool SpiralLayout::laid_out_point(double station, double tolerance, geo_nee& out) {
     if (!has_plan(m_shape.straight_end) || m_shape.tangent_azimuth == GEO_NULL) {
         return false;
     }
@@ -79,7 +110,7 @@ bool square_within(double deviation, double ratio) {
 
 ProjectionStep spiral_projection_step(SpiralLayout& layout, const geo_nee& point, double tolerance,
                                       double& station, double& offset, double& azimuth) {
-    azimuth = spiral_azimuth(layout.shape(), station);
+    azimuth = layout.azimuth(station);
     geo_nee on_spiral;
     if (azimuth == GEO_NULL || !layout.point(station, tolerance, on_spiral)) {
         return ProjectionStep::Failed;

@@ -6,6 +6,8 @@
 #include "geometry/traverse.h"
 #include "qv5/geodef.h"
 
+#include <cstdint>
+
 namespace qv5::detail {
 
 /// Which end of a spiral touches its straight: the start of an entry spiral, the end of an
@@ -29,7 +31,9 @@ struct SpiralShape {
 
 /// A spiral shape with the two directions its points are stepped along (along the straight,
 /// and square off it), whose sines and cosines are worked out once for all the points asked of
-/// it.
+/// it. It also remembers the last point and the last tangent azimuth it gave, keyed by the exact
+/// bits of the station (and tolerance) asked: a projection that starts where the previous one
+/// ended asks for them again first.
 class SpiralLayout {
 public:
     explicit SpiralLayout(const SpiralShape& shape);
@@ -38,11 +42,25 @@ public:
 
     /// Point at a station in [0, L]: as spiral_point.
     bool point(double station, double tolerance, geo_nee& out);
+    /// Tangent azimuth at a station: as spiral_azimuth.
+    double azimuth(double station);
 
 private:
+    /// The point worked out afresh.
+    bool laid_out_point(double station, double tolerance, geo_nee& out);
+
     SpiralShape m_shape;
     LevelStepper m_along;
     LevelStepper m_across;
+
+    bool m_pointKnown = false;
+    std::uint64_t m_pointStation = 0; ///< bits of the station of the point remembered
+    std::uint64_t m_pointTolerance = 0;
+    bool m_pointFound = false;
+    geo_nee m_point{};
+    bool m_azimuthKnown = false;
+    std::uint64_t m_azimuthStation = 0; ///< bits of the station of the azimuth remembered
+    double m_azimuth = 0.0;
 };
 
 /// Distance from the straight end of the spiral to the point at `station` from its start.

@@ -86,9 +86,50 @@ struct WalkResult {
     ElementDeltas deltas; ///< station possibly pinned to 0 or the length
 };
 
+/// The hysteresis walk from element `start`: `invert(k)` (an InvertElement, or any callable of
+/// that form, which the walk then calls directly) inverts element k for the point.
 /// Bounds the walk: it never needs more steps than the road has elements, and one direction
 /// once chosen is kept, so a walk of more than count + 1 inversions cannot happen.
-WalkResult walk_to_element(int start, int count, const InvertElement& invert);
+template <typename Invert>
+WalkResult walk_to_element(int start, int count, const Invert& invert) {
+    bool moved_forward = false;
+    bool moved_back = false;
+    int k = start;
+    WalkResult result{k, invert(k)};
+    // Once the walk has moved one way it never turns back, so it visits each element at most
+    // once: count + 1 inversions bound it whatever the elements answer.
+    for (int steps = 0; steps <= count; ++steps) {
+        ElementDeltas& d = result.deltas;
+        if (!d.inverted || d.station == GEO_NULL) {
+            return result;
+        }
+        if (d.station < 0.0) {
+            if (k == 0) {
+                return result; // extrapolated before the road start
+            }
+            if (moved_forward) {
+                d.station = 0.0; // in the wedge outside a kink: pinned to the joint
+                return result;
+            }
+            moved_back = true;
+            --k;
+        } else if (d.station > d.length) {
+            if (k == count - 1) {
+                return result; // extrapolated past the road end
+            }
+            if (moved_back) {
+                d.station = d.length;
+                return result;
+            }
+            moved_forward = true;
+            ++k;
+        } else {
+            return result;
+        }
+        result = WalkResult{k, invert(k)};
+    }
+    return result;
+}
 
 /// The kinds of elements at a transition, for the transition type table.
 enum class ElementKind { Line, Arc, Spiral, Other };

@@ -8,11 +8,13 @@
 #ifndef QV5_ROAD_ITERATOR_STATE_H
 #define QV5_ROAD_ITERATOR_STATE_H
 
+#include "geometry/spiral_math.h"
 #include "qv5/georoaditer.h"
 #include "qv5/geotemplate.h"
 #include "road/iterator_math.h"
 #include "road/road_access.h"
 
+#include <optional>
 #include <vector>
 
 namespace qv5::detail {
@@ -25,6 +27,9 @@ struct IteratorElement {
     /// of the element lies within half the length of it, however the element curves.
     double middle_north = GEO_NULL;
     double middle_east = GEO_NULL;
+    /// A spiral's layout, made on its first inversion and kept with the copy, which nobody sets
+    /// again: every inversion of the spiral reuses it.
+    std::optional<SpiralLayout> layout;
     unsigned known = 0;
 };
 
@@ -51,8 +56,14 @@ struct IteratorState {
 struct IteratorAccess {
     /// Inverts element k of the iterator's road for a point, the spirals started from
     /// `spiral_guess` (clamped to the spiral) with `spiral_tolerance`.
+    /// Whether an inversion works out the element's signed radius (`ElementDeltas::radius`
+    /// stays `GEO_NULL` for arcs and spirals otherwise).
+    enum class Radius { wanted, not_wanted };
     static ElementDeltas invert(CGeoRoadIterator& it, int k, CGeoPoint& point, double spiral_guess,
-                                double spiral_tolerance);
+                                double spiral_tolerance, Radius radius);
+    /// The same with the element's slot at hand.
+    static ElementDeltas invert(IteratorElement& e, CGeoPoint& point, double spiral_guess,
+                                double spiral_tolerance, Radius radius);
     /// Element k's private copy (loaded on first use); k must be within the road's count.
     static IteratorElement& element(CGeoRoadIterator& it, int k);
     /// How far the point lies at least from every point of element k, in plan, metres: the

@@ -9,6 +9,7 @@
 #include "core/angles.h"
 #include "core/constants.h"
 #include "core/lazy_cache.h"
+#include "geometry/spiral_access.h"
 #include "qv5/georoad.h"
 #include "qv5/georoaditer.h"
 #include "qv5/geosection.h"
@@ -80,9 +81,18 @@ void spiral_point(Spiral& spiral, double d, CGeoPoint& point, double& azimuth, d
     radius = signed_radius(spiral.RadiusAtStation(d), spiral.Direction());
 }
 
+/// The spiral's layout, made on its first inversion and kept in the element's slot.
 template <typename Spiral>
-ElementDeltas spiral_deltas(Spiral& spiral, CGeoPoint& point, double guess, double tolerance,
-                            double length) {
+qv5::detail::SpiralLayout& layout_of(IteratorElement& e, Spiral& spiral) {
+    if (!e.layout.has_value()) {
+        e.layout.emplace(qv5::detail::SpiralAccess::layout(spiral));
+    }
+    return *e.layout;
+}
+
+template <typename Spiral>
+ElementDeltas spiral_deltas(Spiral& spiral, qv5::detail::SpiralLayout& layout, CGeoPoint& point,
+                            double guess, double tolerance, double length, bool with_radius) {
     ElementDeltas d{GEO_NULL, GEO_NULL, GEO_NULL, GEO_NULL, length, true};
     if (guess == GEO_NULL) {
         guess = length * 0.5;
@@ -93,8 +103,9 @@ ElementDeltas spiral_deltas(Spiral& spiral, CGeoPoint& point, double guess, doub
     if (guess > length) {
         guess = length;
     }
-    spiral.GridDeltas(point, guess, tolerance, d.station, d.offset, d.azimuth);
-    if (d.station != GEO_NULL) {
+    qv5::detail::SpiralAccess::grid_deltas(spiral, layout, point, guess, tolerance, d.station,
+                                           d.offset, d.azimuth);
+    if (with_radius && d.station != GEO_NULL) {
         d.radius = signed_radius(spiral.RadiusAtStation(d.station), spiral.Direction());
     }
     return d;
@@ -152,9 +163,14 @@ IteratorElement& IteratorAccess::element(CGeoRoadIterator& it, int k) {
 }
 
 ElementDeltas IteratorAccess::invert(CGeoRoadIterator& it, int k, CGeoPoint& point,
-                                     double spiral_guess, double spiral_tolerance) {
-    IteratorElement& e = element(it, k);
+                                     double spiral_guess, double spiral_tolerance, Radius radius) {
+    return invert(element(it, k), point, spiral_guess, spiral_tolerance, radius);
+}
+
+ElementDeltas IteratorAccess::invert(IteratorElement& e, CGeoPoint& point, double spiral_guess,
+                                     double spiral_tolerance, Radius radius) {
     ElementDeltas d{GEO_NULL, GEO_NULL, GEO_NULL, GEO_NULL, e.length, true};
+    const bool with_radius = radius == Radius::wanted;
     if (auto* line = std::get_if<CGeoLine>(&e.copy.element)) {
         d.station = line->GridStation(point);
         d.offset = line->GridOffset(point);
@@ -162,11 +178,15 @@ ElementDeltas IteratorAccess::invert(CGeoRoadIterator& it, int k, CGeoPoint& poi
         d.radius = kInfiniteRadius;
     } else if (auto* arc = std::get_if<CGeoArc>(&e.copy.element)) {
         arc->GridDeltas(point, d.station, d.offset, d.azimuth);
-        d.radius = signed_radius(arc->Radius(), arc->Direction());
+        if (with_radius) {
+            d.radius = signed_radius(arc->Radius(), arc->Direction());
+        }
     } else if (auto* entry = std::get_if<CGeoEntrySpiral>(&e.copy.element)) {
-        d = spiral_deltas(*entry, point, spiral_guess, spiral_tolerance, e.length);
+        d = spiral_deltas(*entry, layout_of(e, *entry), point, spiral_guess, spiral_tolerance,
+                          e.length, with_radius);
     } else if (auto* exit = std::get_if<CGeoExitSpiral>(&e.copy.element)) {
-        d = spiral_deltas(*exit, point, spiral_guess, spiral_tolerance, e.length);
+        d = spiral_deltas(*exit, layout_of(e, *exit), point, spiral_guess, spiral_tolerance,
+                          e.length, with_radius);
     } else {
         d.inverted = false;
     }
@@ -443,10 +463,13 @@ void CGeoRoadIterator::CenterlineDeltas(CGeoPoint& point, double& station, doubl
         }
     }
     // Each element's spiral inversion starts from the last station found.
+    // The radius is worked out only for a caller who asks for it.
+    const IteratorAccess::Radius wanted =
+        radius != nullptr ? IteratorAccess::Radius::wanted : IteratorAccess::Radius::not_wanted;
     const auto invert = [&](int k) {
-        const double s0 = IteratorAccess::element(*this, k).copy.start_station;
-        const double guess = m_station == GEO_NULL ? GEO_NULL : m_station - s0;
-        return IteratorAccess::invert(*this, k, point, guess, kSpiralTolerance);
+        IteratorElement& e = IteratorAccess::element(*this, k);
+        const double guess = m_station == GEO_NULL ? GEO_NULL : m_station - e.copy.start_station;
+        return IteratorAccess::invert(e, point, guess, kSpiralTolerance, wanted);
     };
     qv5::detail::WalkResult walk = qv5::detail::walk_to_element(m_currentHorizontal, count, invert);
     m_currentHorizontal = walk.element;

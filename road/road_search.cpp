@@ -74,8 +74,9 @@ double IteratorAccess::closest_offset(CGeoRoadIterator& it, CGeoPoint& point, do
     };
     // Every spiral is searched from its middle, whatever the iterator last found.
     const auto invert = [&](int k) {
-        return IteratorAccess::invert(it, k, point, IteratorAccess::element(it, k).length * 0.5,
-                                      tolerance);
+        IteratorElement& e = IteratorAccess::element(it, k);
+        return IteratorAccess::invert(e, point, e.length * 0.5, tolerance,
+                                      IteratorAccess::Radius::not_wanted);
     };
 
     // The anchor: the inside-only element nearest the point, inverted first. When the point lies

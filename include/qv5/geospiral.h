@@ -18,6 +18,10 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace qv5::detail {
+struct SpiralAccess; // the library's own inversions with a layout kept between calls
+} // namespace qv5::detail
+
 /// A spiral from a straight (infinite radius) at its start to the arc radius at its end.
 /// Before its start it continues as the straight, beyond its end as the arc.
 class QV5_API CGeoEntrySpiral {
@@ -83,6 +87,8 @@ public:
                     double& offset, double& azimuth);
 
 private:
+    friend struct qv5::detail::SpiralAccess;
+
     /// Size of the opaque block that holds the spiral's state.
     static constexpr std::size_t kStateSize =
         8 * sizeof(double) + 2 * sizeof(CGeoPoint) + sizeof(std::uint64_t);
@@ -139,6 +145,8 @@ public:
                     double& offset, double& azimuth);
 
 private:
+    friend struct qv5::detail::SpiralAccess;
+
     /// Size of the opaque block that holds the spiral's state.
     static constexpr std::size_t kStateSize =
         8 * sizeof(double) + 2 * sizeof(CGeoPoint) + sizeof(std::uint64_t);

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <random>
 
 namespace {
 
@@ -166,3 +168,60 @@ TEST(SpiralMath, StepFailsWhereTheSpiralHasNoPoint) {
 }
 
 } // namespace
+
+namespace {
+
+bool same_bits(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+bool same_point(const geo_nee& a, const geo_nee& b) {
+    return same_bits(a.north, b.north) && same_bits(a.east, b.east) && same_bits(a.elev, b.elev);
+}
+
+} // namespace
+
+TEST(SpiralMath, KeptLayoutGivesWhatAFreshOneGives) {
+    // One layout asked again and again, as an iterator asks it: the same station twice, then
+    // another tolerance at that station, then stations that differ in the last bit only. Each
+    // answer must be the fresh layout's, bit for bit.
+    const SpiralShape shapes[] = {
+        SpiralShape{SpiralKind::Entry, {1000.0, 2000.0, 5.0}, 0.7, 80.0, 80000.0, true},
+        SpiralShape{SpiralKind::Exit, {1500.0, 2500.0, 5.0}, 4.1, 60.0, 48000.0, false}};
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> along(-5.0, 85.0);
+    for (const SpiralShape& shape : shapes) {
+        SpiralLayout kept(shape);
+        for (int i = 0; i < 4000; ++i) {
+            double station = along(random);
+            if (i % 3 == 1) {
+                station = std::nextafter(station, 1e9);
+            }
+            for (const double tolerance : {0.001, 0.001, 1e-5, 0.001}) {
+                geo_nee from_kept{-1.0, -1.0, -1.0};
+                geo_nee fresh{-1.0, -1.0, -1.0};
+                const bool kept_ok = kept.point(station, tolerance, from_kept);
+                const bool fresh_ok = spiral_point(shape, station, tolerance, fresh);
+                ASSERT_EQ(kept_ok, fresh_ok) << station;
+                ASSERT_TRUE(same_point(from_kept, fresh)) << station << " " << tolerance;
+                ASSERT_TRUE(same_bits(kept.azimuth(station), spiral_azimuth(shape, station)))
+                    << station;
+            }
+        }
+    }
+}
+
+TEST(SpiralMath, KeptLayoutLeavesThePointAloneWhereItFails) {
+    // A series that cannot converge (a tolerance of 0): false, and the point untouched, the
+    // second time as the first.
+    SpiralLayout kept(SpiralShape{SpiralKind::Entry, {0.0, 0.0, 0.0}, 0.0, 50.0, 10000.0, true});
+    for (int i = 0; i < 2; ++i) {
+        geo_nee out{7.0, 8.0, 9.0};
+        EXPECT_FALSE(kept.point(40.0, 0.0, out));
+        EXPECT_EQ(out.north, 7.0);
+        EXPECT_EQ(out.east, 8.0);
+    }
+    geo_nee good{7.0, 8.0, 9.0};
+    EXPECT_TRUE(kept.point(40.0, 0.001, good));
+    EXPECT_NE(good.north, 7.0);
+}
