@@ -14,7 +14,7 @@
 #include "road/iterator_math.h"
 #include "road/road_access.h"
 
-#include <optional>
+#include <memory>
 #include <vector>
 
 namespace qv5::detail {
@@ -28,8 +28,9 @@ struct IteratorElement {
     double middle_north = GEO_NULL;
     double middle_east = GEO_NULL;
     /// A spiral's layout, made on its first inversion and kept with the copy, which nobody sets
-    /// again: every inversion of the spiral reuses it.
-    std::optional<SpiralLayout> layout;
+    /// again: every inversion of the spiral reuses it. Held apart from the slot, so that the
+    /// slots of a long road stay small for the closest-offset search that reads them all.
+    std::unique_ptr<SpiralLayout> layout;
     unsigned known = 0;
 };
 

@@ -21,6 +21,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 using qv5::detail::ApplicationView;
@@ -84,8 +85,9 @@ void spiral_point(Spiral& spiral, double d, CGeoPoint& point, double& azimuth, d
 /// The spiral's layout, made on its first inversion and kept in the element's slot.
 template <typename Spiral>
 qv5::detail::SpiralLayout& layout_of(IteratorElement& e, Spiral& spiral) {
-    if (!e.layout.has_value()) {
-        e.layout.emplace(qv5::detail::SpiralAccess::layout(spiral));
+    if (e.layout == nullptr) {
+        e.layout =
+            std::make_unique<qv5::detail::SpiralLayout>(qv5::detail::SpiralAccess::layout(spiral));
     }
     return *e.layout;
 }
