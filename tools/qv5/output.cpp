@@ -51,6 +51,10 @@ constexpr int kExactFixedMostDecimals = 17;
 constexpr int kSignificandBits = 52;
 constexpr int kExponentBias = 1075;
 constexpr unsigned kExponentMask = 0x7ff;
+constexpr int kSignBit = 63;
+/// Largest power of two a whole number's scaled significand (below 2^110) is shifted by: the
+/// result stays below 2^122, inside 128 bits (and far past the 2^64 units the text can hold).
+constexpr int kMostWholeShift = 12;
 
 // A 128-bit unsigned integer (a GCC and Clang extension on every target the program builds for).
 __extension__ typedef unsigned __int128 Wide;
@@ -93,8 +97,7 @@ std::size_t exact_fixed(double value, int decimals, char (&text)[kExactTextRoom]
     const Wide scaled = Wide{significand} * kPowersOfTen[static_cast<std::size_t>(decimals)];
     Wide units;
     if (exponent >= 0) {
-        // Whole numbers: exact as long as the shift keeps every bit (well past 2^64 anyway).
-        if (exponent > 12) {
+        if (exponent > kMostWholeShift) {
             return 0;
         }
         units = scaled << exponent;
@@ -128,7 +131,7 @@ std::size_t exact_fixed(double value, int decimals, char (&text)[kExactTextRoom]
         *--first = static_cast<char>('0' + rest % 10U);
         rest /= 10U;
     } while (rest != 0);
-    if ((bits >> 63) != 0 && units != 0) {
+    if ((bits >> kSignBit) != 0 && units != 0) {
         *--first = '-';
     }
     return static_cast<std::size_t>(std::end(text) - first);
