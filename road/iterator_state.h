@@ -55,14 +55,11 @@ struct IteratorState {
 
 /// The iterator's internals as the road's searches use them.
 struct IteratorAccess {
-    /// Inverts element k of the iterator's road for a point, the spirals started from
-    /// `spiral_guess` (clamped to the spiral) with `spiral_tolerance`.
     /// Whether an inversion works out the element's signed radius (`ElementDeltas::radius`
     /// stays `GEO_NULL` for arcs and spirals otherwise).
     enum class Radius { wanted, not_wanted };
-    static ElementDeltas invert(CGeoRoadIterator& it, int k, CGeoPoint& point, double spiral_guess,
-                                double spiral_tolerance, Radius radius);
-    /// The same with the element's slot at hand.
+    /// Inverts an element (its slot, from `element`) for a point, the spirals started from
+    /// `spiral_guess` (clamped to the spiral) with `spiral_tolerance`.
     static ElementDeltas invert(IteratorElement& e, CGeoPoint& point, double spiral_guess,
                                 double spiral_tolerance, Radius radius);
     /// Element k's private copy (loaded on first use); k must be within the road's count.

@@ -164,11 +164,6 @@ IteratorElement& IteratorAccess::element(CGeoRoadIterator& it, int k) {
     return slot;
 }
 
-ElementDeltas IteratorAccess::invert(CGeoRoadIterator& it, int k, CGeoPoint& point,
-                                     double spiral_guess, double spiral_tolerance, Radius radius) {
-    return invert(element(it, k), point, spiral_guess, spiral_tolerance, radius);
-}
-
 ElementDeltas IteratorAccess::invert(IteratorElement& e, CGeoPoint& point, double spiral_guess,
                                      double spiral_tolerance, Radius radius) {
     ElementDeltas d{GEO_NULL, GEO_NULL, GEO_NULL, GEO_NULL, e.length, true};
