@@ -65,6 +65,18 @@ TEST(AngleText, TypesetMinusSignIsAMinus) {
     EXPECT_EQ(radians, -4.25 * kRadiansPerDegree);
 }
 
+TEST(AngleText, ATypesetMinusAfterASignIsASignInsideTheAngle) {
+    // Two signs cancel nowhere: "-−7000" is not 7000 degrees, nor any angle.
+    double radians = 0.0;
+    std::string why;
+    for (const char* text :
+         {"-\u22127000", "+\u221252.5", "-\u221252 06 30", "\u2212-52.5", "-\u221289.9"}) {
+        radians = 0.0;
+        EXPECT_FALSE(parse_angle(text, true, radians, why)) << text << " read as " << radians;
+        EXPECT_FALSE(parse_angle(text, false, radians, why)) << text << " read as " << radians;
+    }
+}
+
 /// Lines of a text written to a temporary file and read back through LineSource.
 std::vector<std::string> lines_through_source(const std::string& text, bool& cut) {
     std::FILE* file = std::tmpfile();

@@ -20,8 +20,11 @@ constexpr std::string_view kDegreeSign = "\xC2\xB0";
 constexpr std::string_view kPrime = "\xE2\x80\xB2";
 constexpr std::string_view kDoublePrime = "\xE2\x80\xB3";
 
+/// A plus or minus sign, the typographic minus U+2212 included: a sign the number reader would
+/// take inside an angle's fields, where no sign belongs.
 bool starts_with_sign(std::string_view text) {
-    return !text.empty() && (text.front() == '+' || text.front() == '-');
+    return !text.empty() && (text.front() == '+' || text.front() == '-' ||
+                             text.substr(0, kMinusSign.size()) == kMinusSign);
 }
 
 /// Splits degrees-minutes-seconds text at blanks, colons and the marks ° d ' " ′ ″.
