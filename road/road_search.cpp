@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 using qv5::detail::ElementKind;
 using qv5::detail::IteratorAccess;
@@ -41,6 +42,9 @@ ElementKind kind_of(int type) {
 /// before the closest-offset search skips it, metres: far beyond rounding and the spirals'
 /// series tolerance, so that a skipped element could never have been taken.
 inline constexpr double kSkipMargin = 1.0;
+/// The closest-offset search's mark for an element that is not skipped by its distance (a
+/// distance is never negative).
+inline constexpr double kNotInsideOnly = -1.0;
 
 /// Smallest application station starts here, above any real station.
 inline constexpr double kFirstApplicationStart = qv5::detail::kSearchStart;
@@ -86,15 +90,17 @@ double IteratorAccess::closest_offset(CGeoRoadIterator& it, CGeoPoint& point, do
     // least its own, a corner at least the line's). After the anchor, an inside-only element
     // farther than the best offset so far could not be taken. Both skips keep the answer the
     // same, bit for bit, and spare most of the inversions on a long road.
+    // reach[k]: how near the point inside-only element k comes at least; kNotInsideOnly for the
+    // others, which are always inverted.
     IteratorState& state = *it.m_state;
-    state.reach.assign(static_cast<std::size_t>(std::max(count, 0)), 0.0);
+    std::vector<double>& reach = state.reach;
+    reach.assign(static_cast<std::size_t>(std::max(count, 0)), kNotInsideOnly);
     int anchor = -1;
     for (int k = 1; k < count - 1; ++k) {
         if (inside_only(k)) {
-            state.reach[static_cast<std::size_t>(k)] =
-                IteratorAccess::distance_at_least(it, k, point);
-            if (anchor < 0 || state.reach[static_cast<std::size_t>(k)] <
-                                  state.reach[static_cast<std::size_t>(anchor)]) {
+            reach[static_cast<std::size_t>(k)] = IteratorAccess::distance_at_least(it, k, point);
+            if (anchor < 0 ||
+                reach[static_cast<std::size_t>(k)] < reach[static_cast<std::size_t>(anchor)]) {
                 anchor = k;
             }
         }
@@ -107,19 +113,18 @@ double IteratorAccess::closest_offset(CGeoRoadIterator& it, CGeoPoint& point, do
                             anchor_deltas.offset != GEO_NULL && anchor_deltas.station >= 0.0 &&
                             anchor_deltas.station <= anchor_deltas.length &&
                             std::isfinite(anchor_deltas.offset);
-        anchor_offset = std::fabs(anchor_deltas.offset);
-        if (!inside) {
-            anchor_offset = std::numeric_limits<double>::infinity();
-        }
+        anchor_offset =
+            inside ? std::fabs(anchor_deltas.offset) : std::numeric_limits<double>::infinity();
     }
 
     for (int k = 0; k < count; ++k) {
         if (!searched(k)) {
             continue;
         }
-        if (inside_only(k) && k != anchor) {
+        const double near = reach[static_cast<std::size_t>(k)];
+        if (near != kNotInsideOnly && k != anchor) {
             const double bound = k < anchor ? anchor_offset : std::fabs(best.offset);
-            if (state.reach[static_cast<std::size_t>(k)] > bound + kSkipMargin) {
+            if (near > bound + kSkipMargin) {
                 continue;
             }
         }

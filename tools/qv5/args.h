@@ -24,6 +24,9 @@ std::string_view trim(std::string_view text);
 /// The text in lower case (ASCII letters only).
 std::string lower(std::string_view text);
 
+/// Whether two texts are the same but for the case of ASCII letters; allocates nothing.
+bool same_ignoring_case(std::string_view a, std::string_view b);
+
 /// Reads a finite decimal number (surrounding blanks allowed, one optional sign).
 /// @return false for empty text, trailing characters, NaN or infinity
 bool parse_number(std::string_view text, double& value);

@@ -56,14 +56,21 @@ const char* turn_name(geodef_Direction direction) {
     return direction == geodef_Left ? "left" : "right";
 }
 
-/// The entry azimuth, radius and turn of a curved element (arc or spiral) of type `Curve`.
-template <class Curve>
-void curve_of(CGeoRoad& road, int n, ElementRow& row) {
+/// A copy of the road's element n, of the class `Element` its type names.
+template <class Element>
+Element element_of(CGeoRoad& road, int n, georoad_HorzElementType type) {
     double station = 0.0;
     double azimuth = 0.0;
     CGeoPoint start;
-    Curve e;
-    road.GetNthHorizontal(n, row.type, station, start, azimuth, &e);
+    Element e;
+    road.GetNthHorizontal(n, type, station, start, azimuth, &e);
+    return e;
+}
+
+/// The entry azimuth, radius and turn of a curved element (arc or spiral) of type `Curve`.
+template <class Curve>
+void curve_of(CGeoRoad& road, int n, ElementRow& row) {
+    Curve e = element_of<Curve>(road, n, row.type);
     row.azimuth = e.EntryAzimuth();
     row.radius = e.Radius();
     row.turn = turn_name(e.Direction());
@@ -78,15 +85,9 @@ ElementRow element_row(CGeoRoad& road, int n) {
                    GEO_NULL,
                    ""};
     switch (row.type) {
-    case georoad_Line: {
-        double station = 0.0;
-        double azimuth = 0.0;
-        CGeoPoint start;
-        CGeoLine e;
-        road.GetNthHorizontal(n, row.type, station, start, azimuth, &e);
-        row.azimuth = e.GridAzimuth();
+    case georoad_Line:
+        row.azimuth = element_of<CGeoLine>(road, n, row.type).GridAzimuth();
         break;
-    }
     case georoad_Arc:
         curve_of<CGeoArc>(road, n, row);
         break;

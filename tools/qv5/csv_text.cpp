@@ -7,16 +7,8 @@ namespace qv5::cli {
 
 std::vector<std::string_view> split_fields(std::string_view line) {
     std::vector<std::string_view> fields;
-    std::size_t start = 0;
-    while (true) {
-        const std::size_t comma = line.find(',', start);
-        fields.push_back(
-            line.substr(start, comma == std::string_view::npos ? comma : comma - start));
-        if (comma == std::string_view::npos) {
-            return fields;
-        }
-        start = comma + 1;
-    }
+    for_each_field(line, [&fields](std::string_view field) { fields.push_back(field); });
+    return fields;
 }
 
 bool read_whole_file(const std::string& path, std::string& text) {

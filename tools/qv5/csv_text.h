@@ -18,6 +18,21 @@ struct JobError {
     std::string message;
 };
 
+/// Calls `field(text)` for each comma-separated field of a line in order, untrimmed; an empty
+/// line has one empty field. Reads in place, allocating nothing.
+template <class Field>
+void for_each_field(std::string_view line, Field&& field) {
+    std::size_t start = 0;
+    while (true) {
+        const std::size_t comma = line.find(',', start);
+        field(line.substr(start, comma == std::string_view::npos ? comma : comma - start));
+        if (comma == std::string_view::npos) {
+            return;
+        }
+        start = comma + 1;
+    }
+}
+
 /// The comma-separated fields of a line, untrimmed; an empty line has one empty field.
 std::vector<std::string_view> split_fields(std::string_view line);
 

@@ -14,24 +14,10 @@
 namespace qv5::cli {
 namespace {
 
-/// Whether `text` spells `lower` (a lower-case word) in any mix of cases.
-bool same_word(std::string_view text, std::string_view lower) {
-    if (text.size() != lower.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if ((c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) != lower[i]) {
-            return false;
-        }
-    }
-    return true;
-}
-
 bool is_header(std::string_view field) {
     const std::string_view word = trim(field);
     for (const std::string_view name : {"name", "latitude", "lat", "north", "northing"}) {
-        if (same_word(word, name)) {
+        if (same_ignoring_case(word, name)) {
             return true;
         }
     }
@@ -50,19 +36,13 @@ struct ShotFields {
 
 ShotFields shot_fields(std::string_view line) {
     ShotFields fields;
-    std::size_t start = 0;
-    while (true) {
-        const std::size_t comma = line.find(',', start);
+    for_each_field(line, [&fields](std::string_view field) {
         if (fields.count < kMostShotFields) {
-            fields.field[fields.count] =
-                line.substr(start, comma == std::string_view::npos ? comma : comma - start);
+            fields.field[fields.count] = field;
         }
         ++fields.count;
-        if (comma == std::string_view::npos) {
-            return fields;
-        }
-        start = comma + 1;
-    }
+    });
+    return fields;
 }
 
 bool finite_result(const StakeResult& r) {

@@ -17,19 +17,6 @@ std::string utf8(const unsigned short* text) {
     return CString(text).ToUtf8();
 }
 
-bool same_ignoring_case(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; };
-        if (lower(a[i]) != lower(b[i])) {
-            return false;
-        }
-    }
-    return true;
-}
-
 /// A library text, or "-" for a value the library formats as empty (GEO_NULL).
 template <class Format>
 std::string formatted(double value, Format format) {
