@@ -258,10 +258,9 @@ bool CGeoLine::VectorToPoint(CGeoPoint& point, double& length, double& azimuth) 
         return false;
     }
     if (!same_bits(from, m_lastFrom) || !same_bits(to, m_lastTo)) {
-        const double dn = to.north - from.north;
-        const double de = to.east - from.east;
-        m_lastLength = std::sqrt(dn * dn + de * de);
-        m_lastAzimuth = bearing_of(dn, de);
+        const PlanVector v = plan_vector(from, to);
+        m_lastLength = v.length;
+        m_lastAzimuth = v.azimuth;
         m_lastFrom = from;
         m_lastTo = to;
     }
@@ -272,34 +271,19 @@ bool CGeoLine::VectorToPoint(CGeoPoint& point, double& length, double& azimuth) 
 
 double CGeoLine::GridStation(CGeoPoint& point) {
     // The foot of the perpendicular, from the start -> point vector and its angle to the line.
-    double length;
-    double azimuth;
-    if (!VectorToPoint(point, length, azimuth)) {
+    PlanVector v;
+    if (!VectorToPoint(point, v.length, v.azimuth)) {
         return GEO_NULL;
     }
-    const double angle = divergence(GridAzimuth(), azimuth);
-    if (angle == GEO_NULL) {
-        return GEO_NULL; // a line without a direction has no stations
-    }
-    return length * std::cos(angle);
+    return station_along(GridAzimuth(), v);
 }
 
 double CGeoLine::GridOffset(CGeoPoint& point) {
-    double length;
-    double to_point;
-    if (!VectorToPoint(point, length, to_point)) {
+    PlanVector v;
+    if (!VectorToPoint(point, v.length, v.azimuth)) {
         return GEO_NULL;
     }
-    const double azimuth = GridAzimuth();
-    if (azimuth == GEO_NULL) {
-        return GEO_NULL; // a line without a direction has no sides
-    }
-    double d = normalised_bearing(azimuth - to_point);
-    if (d > kPi) {
-        d -= kTwoPi;
-    }
-    // A point clockwise from the line's direction (d in (-pi, 0)) lies to the right.
-    return -std::sin(d) * length;
+    return offset_across(GridAzimuth(), v);
 }
 
 void CGeoLine::GridHorzPoint(double station, CGeoPoint& result) {

@@ -90,6 +90,43 @@ inline geo_nee level_step(const geo_nee& start, double azimuth, double distance)
     return LevelStepper(azimuth, distance < 0.0).step(start, distance);
 }
 
+/// Plan length and grid bearing of the vector from one point to another.
+struct PlanVector {
+    double length;
+    double azimuth;
+};
+
+inline PlanVector plan_vector(const geo_nee& from, const geo_nee& to) {
+    const double dn = to.north - from.north;
+    const double de = to.east - from.east;
+    return {std::sqrt(dn * dn + de * de), bearing_of(dn, de)};
+}
+
+/// Station along a line of bearing `line_azimuth` of the end of a vector from the line's start:
+/// the vector's length times the cosine of its angle to the line; `GEO_NULL` when either
+/// bearing is.
+inline double station_along(double line_azimuth, const PlanVector& v) {
+    const double angle = divergence(line_azimuth, v.azimuth);
+    if (angle == GEO_NULL) {
+        return GEO_NULL; // a line without a direction has no stations
+    }
+    return v.length * std::cos(angle);
+}
+
+/// Right-positive offset from a line of bearing `line_azimuth` of the end of a vector from the
+/// line's start; `GEO_NULL` when the line has no bearing.
+inline double offset_across(double line_azimuth, const PlanVector& v) {
+    if (line_azimuth == GEO_NULL) {
+        return GEO_NULL; // a line without a direction has no sides
+    }
+    double d = normalised_bearing(line_azimuth - v.azimuth);
+    if (d > kPi) {
+        d -= kTwoPi;
+    }
+    // A point clockwise from the line's direction (d in (-pi, 0)) lies to the right.
+    return -std::sin(d) * v.length;
+}
+
 } // namespace qv5::detail
 
 #endif // QV5_GEOMETRY_TRAVERSE_H

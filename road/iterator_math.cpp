@@ -40,7 +40,7 @@ ProfileAt profile_at(const ProfileRecordView* records, int count, double station
         if (station < r.curve_start_station) {
             if (i == 0) {
                 // Before the profile the first grade is extended backwards.
-                out.elevation = r.pvi_elevation + (station - r.pvi_station) * std::tan(r.grade_out);
+                out.elevation = r.pvi_elevation + (station - r.pvi_station) * r.tan_grade_out;
                 out.grade = r.grade_out;
             }
             return out;
@@ -49,7 +49,7 @@ ProfileAt profile_at(const ProfileRecordView* records, int count, double station
             if (r.type == kProfilePoint) {
                 // A grade break's curve starts at its PVI, so this branch is not reached by one;
                 // the formula is kept as the profile has always had it.
-                out.elevation = r.pvi_elevation + (r.pvi_station - station) * std::tan(r.grade_in);
+                out.elevation = r.pvi_elevation + (r.pvi_station - station) * r.tan_grade_in;
                 out.grade = r.grade_in;
             } else {
                 curve_formula(r, station, out);
@@ -65,14 +65,14 @@ ProfileAt profile_at(const ProfileRecordView* records, int count, double station
                 out.elevation = r.pvi_elevation;
                 out.grade = r.grade_in;
             } else if (station > r.pvi_station) {
-                out.elevation = r.pvi_elevation + (station - r.pvi_station) * std::tan(r.grade_in);
+                out.elevation = r.pvi_elevation + (station - r.pvi_station) * r.tan_grade_in;
                 out.grade = r.grade_in;
             }
             return out;
         }
         if (!(station > records[i + 1].curve_start_station)) {
             out.elevation =
-                r.curve_end_elevation + (station - r.curve_end_station) * std::tan(r.grade_out);
+                r.curve_end_elevation + (station - r.curve_end_station) * r.tan_grade_out;
             out.grade = r.grade_out;
             return out;
         }

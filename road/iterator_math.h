@@ -11,6 +11,7 @@
 
 #include "qv5/geodef.h"
 
+#include <cmath>
 #include <cstddef>
 #include <functional>
 #include <vector>
@@ -33,7 +34,17 @@ struct ProfileRecordView {
     double curve_rate;
     double mean_grade;
     double curve_elevation_at_pvi;
+    double tan_grade_in;  ///< tan(grade_in), worked out once for the record (with_tangents)
+    double tan_grade_out; ///< tan(grade_out), likewise
 };
+
+/// The record with its grade tangents filled in from its grades: the tangent branches of the
+/// profile then multiply instead of calling tan at every station asked for.
+inline ProfileRecordView with_tangents(ProfileRecordView r) {
+    r.tan_grade_in = std::tan(r.grade_in);
+    r.tan_grade_out = std::tan(r.grade_out);
+    return r;
+}
 
 /// Elevation and grade of the profile at a station, before the iterator's additional offset.
 struct ProfileAt {

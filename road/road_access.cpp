@@ -90,10 +90,9 @@ int RoadAccess::profile_count(const CGeoRoad& road) {
 
 ProfileRecordView RoadAccess::profile_record(const CGeoRoad& road, int n) {
     const VertElementRecord& r = (road.*RoadFields::kVert)[n];
-    return ProfileRecordView{
-        static_cast<int>(r.type), r.station, r.elevation, r.curveStart, r.curveEnd,
-        r.curveEndElev,           r.gradeIn, r.gradeOut,  r.curveRate,  r.meanGrade,
-        r.curveElevAtPVI};
+    return with_tangents(ProfileRecordView{
+        static_cast<int>(r.type), r.station, r.elevation, r.curveStart, r.curveEnd, r.curveEndElev,
+        r.gradeIn, r.gradeOut, r.curveRate, r.meanGrade, r.curveElevAtPVI, GEO_NULL, GEO_NULL});
 }
 
 int RoadAccess::application_count(const CGeoRoad& road) {

@@ -210,8 +210,8 @@ TEST(SectionMath, BreaksInDistanceOrderOnceEachWithinTheLine) {
 TEST(ProfileMath, GradeBreakBranchBeforeItsPviUsesGradeIn) {
     // A record whose curve starts before its PVI although it is a grade break: the grade-in
     // formula, measured back from the PVI, is used as it stands.
-    const ProfileRecordView r[] = {
-        {0, 0.0, 10.0, -5.0, 0.0, 10.0, 0.1, 0.2, GEO_NULL, GEO_NULL, GEO_NULL}};
+    const ProfileRecordView r[] = {with_tangents({0, 0.0, 10.0, -5.0, 0.0, 10.0, 0.1, 0.2, GEO_NULL,
+                                                  GEO_NULL, GEO_NULL, GEO_NULL, GEO_NULL})};
     const ProfileAt at = profile_at(r, 1, -2.0);
     EXPECT_NEAR(at.elevation, 10.0 + 2.0 * std::tan(0.1), 1e-12);
     EXPECT_EQ(at.grade, 0.1);

@@ -187,6 +187,37 @@ TEST(CenterlineDeltas, ColdStartInKinkWedgeAlsoPinsToJoint) {
     EXPECT_NEAR(d.offset, -5.0, 1e-9);
 }
 
+TEST(CenterlineDeltas, OnALineAnswersTheLinesOwnStationAndOffsetToTheBit) {
+    // A one-line road (every point stays on it, extrapolated either way) whose line keeps the
+    // bearing it was set with, 7 rad, beyond a whole turn: the iterator must answer exactly
+    // what the line's own GridStation, GridOffset and GridAzimuth answer, from any point.
+    CGeoRoad road;
+    road.SetPOBInfo(250.0, 5000.0, 3000.0, 20.0);
+    CGeoPoint origin(geo_nee{0.0, 0.0, 0.0});
+    CGeoLine set_line;
+    set_line.Set(origin, 7.0, 180.0, 0.0);
+    road.AddHorizontal(georoad_Line, &set_line);
+    CGeoLine line;
+    double start_station = 0.0;
+    double start_azimuth = 0.0;
+    CGeoPoint start;
+    ASSERT_NE(road.GetNthHorizontal(0, georoad_Line, start_station, start, start_azimuth, &line),
+              0);
+    CGeoRoadIterator it;
+    it.Set(&road);
+    std::mt19937_64 random(20261125);
+    std::uniform_real_distribution<double> spread(-400.0, 400.0);
+    for (int i = 0; i < 4000; ++i) {
+        const CGeoPoint p = grid_point(5000.0 + spread(random), 3000.0 + spread(random), 10.0);
+        const Deltas d = deltas_of(it, p);
+        CGeoPoint q(p);
+        ASSERT_EQ(d.station, start_station + line.GridStation(q)) << i;
+        ASSERT_EQ(d.offset, line.GridOffset(q)) << i;
+        ASSERT_EQ(d.azimuth, line.GridAzimuth()) << i;
+    }
+    EXPECT_EQ(line.GridAzimuth(), 7.0);
+}
+
 TEST(CenterlineDeltas, WithoutProfileGivesStationOffsetAzimuthOnly) {
     CGeoRoad road;
     build_kinked_road(road);
