@@ -6,6 +6,7 @@
 
 #include "qv5/qv5lib.h"
 
+#include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
@@ -172,6 +173,46 @@ void walk_pair(const std::string& name, double start, double length, Element ele
         });
 }
 
+/// The line's station and offset of a point as plain trigonometry: the vector from the line's
+/// start, its bearing, the cosine and sine of its angle to the line. What any walk on a line
+/// must at least work out, with nothing of the iterator around it.
+QV5_BARE void bare_line_inversion(double start_north, double start_east, double azimuth,
+                                  const geo_nee& p, double& station, double& offset) {
+    const double dn = p.north - start_north;
+    const double de = p.east - start_east;
+    const double length = std::sqrt(dn * dn + de * de);
+    const double to_point = qv5::bench::bare_normalise(std::atan2(de, dn));
+    double d = qv5::bench::bare_normalise(azimuth - to_point);
+    const double angle = d > qv5::bench::kPi ? qv5::bench::kTwoPi - d : d;
+    station = length * std::cos(angle);
+    if (d > qv5::bench::kPi) {
+        d -= qv5::bench::kTwoPi;
+    }
+    offset = -std::sin(d) * length;
+}
+
+/// The walk on a line beside the bare inversion of the same points.
+void walk_line_bare(CGeoLine line) {
+    CGeoRoad& road = sample_road();
+    auto walk = std::make_shared<Walk>(walk_along(road, 20.0, 260.0, 3.0));
+    const double north = line.StartPt().Northing();
+    const double east = line.StartPt().Easting();
+    const double azimuth = line.GridAzimuth();
+    auto k = std::make_shared<std::size_t>(0);
+    benchmark::RegisterBenchmark("BM_Iterator_Walk_Line_BareInversion",
+                                 [walk, k, north, east, azimuth](benchmark::State& state) {
+                                     auto* invert = qv5::bench::opaque(&bare_line_inversion);
+                                     for (auto _ : state) {
+                                         double s;
+                                         double o;
+                                         invert(north, east, azimuth, walk->points[*k], s, o);
+                                         benchmark::DoNotOptimize(s);
+                                         benchmark::DoNotOptimize(o);
+                                         *k = (*k + 1) % walk->points.size();
+                                     }
+                                 });
+}
+
 template <class Element>
 Element element_of(int index, georoad_HorzElementType type) {
     CGeoRoad& road = sample_road();
@@ -185,6 +226,7 @@ Element element_of(int index, georoad_HorzElementType type) {
 
 void register_all() {
     walk_pair("Line", 20.0, 260.0, element_of<CGeoLine>(0, georoad_Line), 0.0, false);
+    walk_line_bare(element_of<CGeoLine>(0, georoad_Line));
     walk_pair("Spiral", 305.0, 90.0, element_of<CGeoEntrySpiral>(1, georoad_EntrySpiral), 300.0,
               true);
     walk_pair("Arc", 410.0, 280.0, element_of<CGeoArc>(2, georoad_Arc), 400.0, false);

@@ -51,7 +51,11 @@ BASELINES = {
     "BM_CGeo7PTrans_Transform": ["BM_CGeo7PTrans_Transform_Proj"],
     "BM_CGeoTransformation_Forward": ["BM_CGeoTransformation_Forward_Proj"],
     "BM_CGeoTransformation_Reverse": ["BM_CGeoTransformation_Reverse_Proj"],
-    "BM_Iterator_Walk_Line": ["BM_Iterator_Walk_Line_GridHorzPoint"],
+    # The line walk also beside the bare trigonometry of its inversion (the walk's floor).
+    "BM_Iterator_Walk_Line": [
+        "BM_Iterator_Walk_Line_GridHorzPoint",
+        "BM_Iterator_Walk_Line_BareInversion",
+    ],
     "BM_Iterator_Walk_Arc": ["BM_Iterator_Walk_Arc_GridHorzPoint"],
     "BM_Iterator_Walk_Spiral": ["BM_Iterator_Walk_Spiral_GridHorzPoint"],
     "BM_Iterator_Intersection": ["BM_Iterator_Intersection_CenterlineDeltas"],
