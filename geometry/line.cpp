@@ -4,6 +4,7 @@
 #include "core/angles.h"
 #include "core/constants.h"
 #include "core/lazy_cache.h"
+#include "geometry/line_access.h"
 #include "geometry/point_access.h"
 #include "geometry/traverse.h"
 
@@ -30,6 +31,14 @@ bool plan_of_ends(CGeoPoint& start, CGeoPoint& end, geo_nee& start_grid, geo_nee
 /// distance, the elevation by the grade (none when the start has none).
 geo_nee far_end(CGeoPoint& start, const Heading& heading) {
     return graded_step(grid_of(start), heading);
+}
+
+/// The grids a station or offset request measures between, when both have plan coordinates;
+/// neither point is changed.
+bool plan_to_point(const CGeoPoint& start, const CGeoPoint& point, geo_nee& from, geo_nee& to) {
+    from = grid_of_copy(start);
+    to = grid_of_copy(point);
+    return has_plan(from) && has_plan(to);
 }
 
 bool same_bits(const geo_nee& a, const geo_nee& b) {
@@ -252,9 +261,9 @@ double CGeoLine::GridDivergenceClockwise(CGeoLine& other) {
 }
 
 bool CGeoLine::VectorToPoint(CGeoPoint& point, double& length, double& azimuth) {
-    const geo_nee from = grid_of_copy(m_startPt);
-    const geo_nee to = grid_of_copy(point);
-    if (!has_plan(from) || !has_plan(to)) {
+    geo_nee from;
+    geo_nee to;
+    if (!plan_to_point(m_startPt, point, from, to)) {
         return false;
     }
     if (!same_bits(from, m_lastFrom) || !same_bits(to, m_lastTo)) {
@@ -284,6 +293,23 @@ double CGeoLine::GridOffset(CGeoPoint& point) {
         return GEO_NULL;
     }
     return offset_across(GridAzimuth(), v);
+}
+
+void qv5::detail::LineAccess::deltas(CGeoLine& line, CGeoPoint& point, double& station,
+                                     double& offset, double& azimuth) {
+    // The vector is the one both requests would work out; the bearing is asked for as often as
+    // they ask, since a failed derivation answers GEO_NULL only the first time.
+    geo_nee from;
+    geo_nee to;
+    if (plan_to_point(line.m_startPt, point, from, to)) {
+        const PlanVector v = plan_vector(from, to);
+        station = station_along(line.EnsureAzimuth(), v);
+        offset = offset_across(line.EnsureAzimuth(), v);
+    } else {
+        station = GEO_NULL;
+        offset = GEO_NULL;
+    }
+    azimuth = line.EnsureAzimuth();
 }
 
 void CGeoLine::GridHorzPoint(double station, CGeoPoint& result) {

@@ -31,13 +31,6 @@ struct IteratorElement {
     /// again: every inversion of the spiral reuses it. Held apart from the slot, so that the
     /// slots of a long road stay small for the closest-offset search that reads them all.
     std::unique_ptr<SpiralLayout> layout;
-    /// A line's start grid and bearing, loaded on its first inversion when both ends hold a
-    /// grid with plan coordinates (so that neither can change): the walk along a line then
-    /// inverts from plain numbers. `line_fixed` is false for a line whose ends do not qualify;
-    /// it is inverted through its own calls.
-    geo_nee line_start{GEO_NULL, GEO_NULL, GEO_NULL};
-    double line_azimuth = GEO_NULL;
-    bool line_fixed = false;
     unsigned known = 0;
 };
 
@@ -69,9 +62,6 @@ struct IteratorAccess {
     /// `spiral_guess` (clamped to the spiral) with `spiral_tolerance`.
     static ElementDeltas invert(IteratorElement& e, CGeoPoint& point, double spiral_guess,
                                 double spiral_tolerance, Radius radius);
-    /// Whether the slot's line copy has its start grid and bearing fixed in the slot (loaded on
-    /// first use); see IteratorElement::line_fixed.
-    static bool line_frame(IteratorElement& e, CGeoLine& line);
     /// Element k's private copy (loaded on first use); k must be within the road's count.
     static IteratorElement& element(CGeoRoadIterator& it, int k);
     /// How far the point lies at least from every point of element k, in plan, metres: the

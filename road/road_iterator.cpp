@@ -9,9 +9,8 @@
 #include "core/angles.h"
 #include "core/constants.h"
 #include "core/lazy_cache.h"
-#include "geometry/point_access.h"
+#include "geometry/line_access.h"
 #include "geometry/spiral_access.h"
-#include "geometry/traverse.h"
 #include "qv5/georoad.h"
 #include "qv5/georoaditer.h"
 #include "qv5/geosection.h"
@@ -48,7 +47,6 @@ inline constexpr int kBreakMaxSteps = 11;
 /// The bits of an element slot that say its copy, and its middle point, are loaded.
 inline constexpr unsigned kKnownElement = 1;
 inline constexpr unsigned kKnownMiddle = 2;
-inline constexpr unsigned kKnownLineFrame = 4;
 /// Name of a section's centreline break.
 inline constexpr unsigned short kCentrelineName[] = {u'C', u'L', u'#', u'#', u'#', 0};
 
@@ -167,42 +165,12 @@ IteratorElement& IteratorAccess::element(CGeoRoadIterator& it, int k) {
     return slot;
 }
 
-bool IteratorAccess::line_frame(IteratorElement& e, CGeoLine& line) {
-    ensure_group<FailurePolicy::kRememberNull>(e.known, kKnownLineFrame, [&] {
-        const geo_nee* start = PointAccess::cached_grid(line.StartPt());
-        const geo_nee* end = PointAccess::cached_grid(line.EndPt());
-        // With both ends' plan coordinates held the line's bearing is derived without fail, or
-        // was set with the line, and stays what it is: reading it now changes nothing.
-        if (start == nullptr || end == nullptr || !has_plan(*start) || !has_plan(*end)) {
-            return false;
-        }
-        e.line_start = *start;
-        e.line_azimuth = line.GridAzimuth();
-        e.line_fixed = true;
-        return true;
-    });
-    return e.line_fixed;
-}
-
 ElementDeltas IteratorAccess::invert(IteratorElement& e, CGeoPoint& point, double spiral_guess,
                                      double spiral_tolerance, Radius radius) {
     ElementDeltas d{GEO_NULL, GEO_NULL, GEO_NULL, GEO_NULL, e.length, true};
     const bool with_radius = radius == Radius::wanted;
     if (auto* line = std::get_if<CGeoLine>(&e.copy.element)) {
-        if (line_frame(e, *line)) {
-            // What GridStation and GridOffset work out, from the slot's plain numbers.
-            const geo_nee to = grid_of_copy(point);
-            if (has_plan(to)) {
-                const PlanVector v = plan_vector(e.line_start, to);
-                d.station = station_along(e.line_azimuth, v);
-                d.offset = offset_across(e.line_azimuth, v);
-            }
-            d.azimuth = e.line_azimuth;
-        } else {
-            d.station = line->GridStation(point);
-            d.offset = line->GridOffset(point);
-            d.azimuth = line->GridAzimuth();
-        }
+        LineAccess::deltas(*line, point, d.station, d.offset, d.azimuth);
         d.radius = kInfiniteRadius;
     } else if (auto* arc = std::get_if<CGeoArc>(&e.copy.element)) {
         arc->GridDeltas(point, d.station, d.offset, d.azimuth);

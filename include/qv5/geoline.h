@@ -10,7 +10,8 @@
 #include <cstdint>
 
 namespace qv5::detail {
-struct LineSteps; // the library's own reuse of a line's step trigonometry
+struct LineSteps;  // the library's own reuse of a line's step trigonometry
+struct LineAccess; // the library's own station, offset and azimuth of a point in one request
 } // namespace qv5::detail
 
 /// A straight line from a start point to an end point.
@@ -124,6 +125,7 @@ private:
     double EnsureVDistance();
     double EnsureGrade();
     friend struct qv5::detail::LineSteps;
+    friend struct qv5::detail::LineAccess;
 
     void SnapToLine(double& station, CGeoPoint& point, double tolerance);
     bool VectorToPoint(CGeoPoint& point, double& length, double& azimuth);
